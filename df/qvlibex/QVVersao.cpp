@@ -1,0 +1,3 @@
+#include "df/qvlibex/QVVersao.h"
+
+const char* QVVersaoPrograma() { return ZELKORIN_VERSAO; }

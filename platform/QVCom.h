@@ -1,0 +1,106 @@
+// Object hosting: the platform's base object interface, class factories and
+// object creation by class identifier.
+//
+// Objects are reference counted: QueryInterface hands out an interface with
+// one reference added, Release drops one and destroys the object at zero.
+// Class objects (factories) are registered per process; CoCreateInstance
+// finds the factory of a class identifier and asks it for an object.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+
+#include "platform/QVGuid.h"
+#include "platform/QVHResult.h"
+
+inline constexpr IID IID_IUnknown = QVGuid("{00000000-0000-0000-C000-000000000046}");
+inline constexpr IID IID_IClassFactory = QVGuid("{00000001-0000-0000-C000-000000000046}");
+
+// Slots 0..2 of every interface.
+struct IUnknown {
+  virtual HRESULT QueryInterface(REFIID riid, void** ppvObject) = 0;
+  virtual std::uint32_t AddRef() = 0;
+  virtual std::uint32_t Release() = 0;
+
+ protected:
+  ~IUnknown() = default;  // objects end through Release, never through delete
+};
+
+struct IClassFactory : IUnknown {
+  virtual HRESULT CreateInstance(IUnknown* pUnkOuter, REFIID riid, void** ppvObject) = 0;
+  virtual HRESULT LockServer(bool fLock) = 0;
+
+ protected:
+  ~IClassFactory() = default;
+};
+
+constexpr std::uint32_t CLSCTX_INPROC_SERVER = 0x1;
+constexpr std::uint32_t CLSCTX_LOCAL_SERVER = 0x4;
+constexpr std::uint32_t CLSCTX_ALL = 0x17;
+
+// Registers the class object of a class for this process; the registry keeps
+// one reference to it until it is revoked. Registering a class twice answers
+// CO_E_OBJISREG.
+constexpr HRESULT CO_E_OBJISREG = QVHr(0x800401FBu);
+[[nodiscard]] HRESULT CoRegisterClassObject(REFCLSID rclsid, IClassFactory* pFactory,
+                                            std::uint32_t* pdwRegister);
+[[nodiscard]] HRESULT CoRevokeClassObject(std::uint32_t dwRegister);
+// Gives the registered class object with one reference added, or
+// REGDB_E_CLASSNOTREG.
+[[nodiscard]] HRESULT CoGetClassObject(REFCLSID rclsid, IClassFactory** ppFactory);
+// Creates an object of a registered class and asks it for riid. On failure
+// *ppv is null. A class that is not registered answers REGDB_E_CLASSNOTREG.
+[[nodiscard]] HRESULT CoCreateInstance(REFCLSID rclsid, IUnknown* pUnkOuter,
+                                       std::uint32_t dwClsContext, REFIID riid, void** ppv);
+
+// Owning interface pointer: releases its reference when it goes away.
+template <class T>
+class CQVComPtr {
+ public:
+  CQVComPtr() = default;
+  CQVComPtr(const CQVComPtr& o) : p_(o.p_) {
+    if (p_ != nullptr) p_->AddRef();
+  }
+  CQVComPtr(CQVComPtr&& o) noexcept : p_(o.p_) { o.p_ = nullptr; }
+  CQVComPtr& operator=(CQVComPtr o) noexcept {
+    T* t = p_;
+    p_ = o.p_;
+    o.p_ = t;
+    return *this;
+  }
+  ~CQVComPtr() { Release(); }
+
+  // Takes over a reference the caller already holds.
+  static CQVComPtr Attach(T* p) {
+    CQVComPtr c;
+    c.p_ = p;
+    return c;
+  }
+  void Release() {
+    if (p_ != nullptr) {
+      T* t = p_;
+      p_ = nullptr;
+      t->Release();
+    }
+  }
+  T* Detach() {
+    T* t = p_;
+    p_ = nullptr;
+    return t;
+  }
+  T* get() const { return p_; }
+  T* operator->() const { return p_; }
+  explicit operator bool() const { return p_ != nullptr; }
+  // For out parameters: releases what it held and hands out its slot.
+  T** operator&() {
+    Release();
+    return &p_;
+  }
+  void** ppv() {
+    Release();
+    return reinterpret_cast<void**>(&p_);
+  }
+
+ private:
+  T* p_ = nullptr;
+};

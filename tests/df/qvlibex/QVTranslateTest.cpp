@@ -1,0 +1,138 @@
+#include "df/qvlibex/QVTranslate.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <new>
+#include <stdexcept>
+
+#include "df/qvlibex/QVException.h"
+#include "df/qvlibex/QVStatus.h"
+
+namespace {
+
+template <class E>
+HRESULT Traduz(E&& excecao) {
+  try {
+    throw std::forward<E>(excecao);
+  } catch (...) {
+    const HRESULT hr = QVTranslateThrownExceptionToHresult();
+    QVLiberaExcecaoLancada();
+    return hr;
+  }
+}
+
+class COutraExcecao : public CException {};
+
+}  // namespace
+
+TEST(QVTranslate, CadaClausulaNaOrdem) {
+  EXPECT_EQ(Traduz(_com_error(E_ACCESSDENIED)), E_ACCESSDENIED);
+  EXPECT_EQ(Traduz(CQVExceptionEx(QVHr(0x81080A43u), 1, 2, "x")), QVHr(0x81080A43u));
+  EXPECT_EQ(Traduz(new CQVException(100, 0, 5)), QVHr(0x80040005u));  // not HRESULT_FROM_WIN32
+  EXPECT_EQ(Traduz(new CQVException(100, 0, 0)), QVHr(0x8004EA61u));
+  EXPECT_EQ(Traduz(new CQVException("texto", 0, 0)), QVHr(0x8004EA61u));
+  EXPECT_EQ(Traduz(new CFileException(CFileException::fileNotFound, 2)), QVHr(0x80070002u));
+  EXPECT_EQ(Traduz(new CFileException(CFileException::genericException, 0)), S_OK);
+  EXPECT_EQ(Traduz(new CFileException(CFileException::genericException, -5)), -5);
+  EXPECT_EQ(Traduz(new CMemoryException()), QVHr(0x8004EA62u));
+  EXPECT_EQ(Traduz(new CInvalidArgException()), QVHr(0x8004EA67u));
+  EXPECT_EQ(Traduz(new COutraExcecao()), QVHr(0x8004EA63u));
+  EXPECT_EQ(Traduz(static_cast<long>(QVHr(0x80041234u))), QVHr(0x80041234u));
+  EXPECT_EQ(Traduz(std::bad_alloc()), QVHr(0x8004EA64u));
+  EXPECT_EQ(Traduz(std::runtime_error("x")), QVHr(0x8004EA65u));
+  EXPECT_EQ(Traduz(42), QVHr(0x8004EA66u));  // an int is not a long
+  EXPECT_EQ(Traduz(CQVSEH()), QVHr(0x8004EA66u));
+}
+
+TEST(QVTranslate, CQVExceptionRelatorio) {
+  const CQVException semTexto(0, 0, 0);
+  EXPECT_EQ(semTexto.TextoRelatorio(), "Erro desconhecido encontrado. Código (0)");
+  const CQVException comSO("Falhou", 0, 5);
+  EXPECT_EQ(comSO.TextoRelatorio(), "Falhou\nErro do SO: 5 - Acesso negado");
+  const CQVException daTabela(16284, 0, 0);  // message of the table, filled on first use
+  EXPECT_EQ(daTabela.GetErrorMessage(), QVDescricaoHResult(QVHr(0x80043F9Cu)));
+}
+
+TEST(QVTranslate, TabelaDeExcecoesEstruturadas) {
+  EXPECT_EQ(QVHresultDeSEH(0xC0000005u), QVHr(0x8004EAC5u));
+  EXPECT_EQ(QVHresultDeSEH(0xC0000094u), QVHr(0x8004EAD3u));
+  EXPECT_EQ(QVHresultDeSEH(0xC00000FDu), QVHr(0x8004EADAu));
+  EXPECT_EQ(QVHresultDeSEH(0x80000029u), QVHr(0x8004EADBu));
+  EXPECT_EQ(QVHresultDeSEH(0xE06D7363u), QVHr(0x8004EE47u));
+  EXPECT_TRUE(QVFiltroSEHAceita(0xC0000005u));
+  EXPECT_TRUE(QVFiltroSEHAceita(0x80000004u));
+  EXPECT_FALSE(QVFiltroSEHAceita(0x80000029u));
+  EXPECT_FALSE(QVFiltroSEHAceita(0xE06D7363u));
+  // Every accepted code maps to a distinct status inside the discard range.
+  int aceitos = 0;
+  for (std::uint32_t c : {0xC0000005u, 0xC000008Cu, 0x80000003u, 0x80000002u, 0xC000008Du, 0xC000008Eu,
+                          0xC000008Fu, 0xC0000090u, 0xC0000091u, 0xC0000092u, 0xC0000093u, 0x80000001u,
+                          0xC000001Du, 0xC0000006u, 0xC0000094u, 0xC0000095u, 0xC0000026u, 0xC0000008u,
+                          0xC0000025u, 0xC0000096u, 0x80000004u, 0xC00000FDu}) {
+    EXPECT_TRUE(QVFiltroSEHAceita(c));
+    EXPECT_TRUE(QVEhCodigoSEH(QVHresultDeSEH(c)));
+    ++aceitos;
+  }
+  EXPECT_EQ(aceitos, 22);
+}
+
+TEST(QVTranslate, FaixaQueDescartaOObjeto) {
+  EXPECT_TRUE(QVEhCodigoSEH(QVHr(0x8004EAC5u)));
+  EXPECT_TRUE(QVEhCodigoSEH(QVHr(0x8004EADBu)));
+  EXPECT_TRUE(QVEhCodigoSEH(QVHr(0x8004EE47u)));
+  EXPECT_FALSE(QVEhCodigoSEH(QVHr(0x8004EAC4u)));
+  EXPECT_FALSE(QVEhCodigoSEH(QVHr(0x8004EADCu)));  // errno range
+  EXPECT_FALSE(QVEhCodigoSEH(S_OK));
+  EXPECT_FALSE(QVEhCodigoSEH(QVHr(0x81080A04u)));
+  EXPECT_FALSE(QVEhCodigoSEH(E_FAIL));
+}
+
+TEST(QVTranslate, TabelaDeErrno) {
+  EXPECT_EQ(QVHresultDeErrno(1), QVHr(0x8004EADCu));
+  EXPECT_EQ(QVHresultDeErrno(14), QVHr(0x8004EAE9u));
+  EXPECT_EQ(QVHresultDeErrno(15), QVHr(0x8004EA60u));
+  EXPECT_EQ(QVHresultDeErrno(16), QVHr(0x8004EAEAu));
+  EXPECT_EQ(QVHresultDeErrno(25), QVHr(0x8004EAF3u));
+  EXPECT_EQ(QVHresultDeErrno(26), QVHr(0x8004EA60u));
+  EXPECT_EQ(QVHresultDeErrno(27), QVHr(0x8004EAF4u));
+  EXPECT_EQ(QVHresultDeErrno(34), QVHr(0x8004EAFBu));
+  EXPECT_EQ(QVHresultDeErrno(35), QVHr(0x8004EA60u));
+  EXPECT_EQ(QVHresultDeErrno(36), QVHr(0x8004EAFCu));
+  EXPECT_EQ(QVHresultDeErrno(37), QVHr(0x8004EA60u));
+  EXPECT_EQ(QVHresultDeErrno(38), QVHr(0x8004EAFDu));
+  EXPECT_EQ(QVHresultDeErrno(42), QVHr(0x8004EB01u));
+  EXPECT_EQ(QVHresultDeErrno(43), QVHr(0x8004EA60u));
+  EXPECT_EQ(QVHresultDeErrno(80), QVHr(0x8004EB02u));
+  EXPECT_EQ(QVHresultDeErrno(81), QVHr(0x8004EA60u));
+  // This system's numbering reaches the same statuses by name.
+  EXPECT_EQ(QVHresultDeErrno(QVErrnoRuntimeDeErrno(ENOTEMPTY)), QVHr(0x8004EB00u));
+  EXPECT_EQ(QVHresultDeErrno(QVErrnoRuntimeDeErrno(EDEADLK)), QVHr(0x8004EAFCu));
+  EXPECT_EQ(QVHresultDeErrno(QVErrnoRuntimeDeErrno(EACCES)), QVHr(0x8004EAE8u));
+}
+
+TEST(QVStatus, NomesEDescricoes) {
+  EXPECT_STREQ(QVNomeSeveridade(0), "SEVERITY_SUCCESS");
+  EXPECT_STREQ(QVNomeSeveridade(1), "SEVERITY_ERROR");
+  EXPECT_STREQ(QVNomeSeveridade(2), "Desconhecido ou novo código de SEVERITY");
+  EXPECT_STREQ(QVNomeFacility(4), "FACILITY_ITF");
+  EXPECT_EQ(QVNomeSimbolico(E_UNEXPECTED), "E_UNEXPECTED");
+  EXPECT_EQ(QVNomeSimbolico(QVHr(0x81080C19u)), "E_QVCR_ESTRUTURA_INICIALIZACAO_INVALIDA");
+  EXPECT_EQ(QVNomeSimbolico(HRESULT_FROM_WIN32(ERROR_SHARING_VIOLATION)),
+            "HRESULT_FROM_WIN32(ERROR_SHARING_VIOLATION)");
+  EXPECT_EQ(QVNomeSimbolico(QVHr(0x8004FFFFu)), "");
+  EXPECT_EQ(QVGetDescricaoHRESULT(QVHr(0x8004FFFFu)), "Código de erro 0x8004FFFF sem descrição");
+  // Every code of the table has a name of its family and a message.
+  for (const QVCodigoSistema& c : QVTabelaCodigosSistema()) {
+    EXPECT_EQ(QVProcuraCodigoSistema(c.hr), &c);
+    EXPECT_TRUE(std::string(c.nome).rfind("E_", 0) == 0 || std::string(c.nome).rfind("ER_", 0) == 0) << c.nome;
+    EXPECT_GT(std::string(c.mensagem).size(), 10u) << c.nome;
+  }
+}
+
+TEST(HRESULT_FROM_WIN32, Forma) {
+  EXPECT_EQ(HRESULT_FROM_WIN32(2), QVHr(0x80070002u));
+  EXPECT_EQ(HRESULT_FROM_WIN32(0x12345), QVHr(0x80072345u));  // low 16 bits only
+  EXPECT_EQ(HRESULT_FROM_WIN32(0), 0);
+  EXPECT_EQ(HRESULT_FROM_WIN32(-7), -7);
+}

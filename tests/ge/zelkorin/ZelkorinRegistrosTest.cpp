@@ -1,0 +1,484 @@
+// Ownership of the service-call and project records: deep copy, deep compare
+// and deep free driven by the descriptor tables, and the interface identity.
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstring>
+#include <string_view>
+
+#include "df/qvlibex/QVRegistrosDF.h"
+#include "ge/zelkorin/ZelkorinInterfaces.h"
+#include "ge/zelkorin/ZelkorinRegistros.h"
+#include "platform/QVBstr.h"
+#include "platform/QVTaskMem.h"
+
+namespace {
+
+template <class T>
+T* Novo(std::size_t n) {
+  auto* p = static_cast<T*>(CoTaskMemAlloc(n * sizeof(T)));
+  std::memset(static_cast<void*>(p), 0, n * sizeof(T));
+  return p;
+}
+
+template <class T>
+T Zerado() {
+  T r;
+  std::memset(static_cast<void*>(&r), 0, sizeof r);
+  return r;
+}
+
+void Texto(_REG_DF_TEXTOPS& t, std::string_view s) { ASSERT_EQ(QVTextoPsDefine(&t, s), S_OK); }
+
+_REG_CLASSIFICACAO_GE_PS* NovasClassificacoes(std::uint32_t n, std::uint32_t semente) {
+  auto* c = Novo<_REG_CLASSIFICACAO_GE_PS>(n);
+  for (std::uint32_t i = 0; i < n; ++i) {
+    c[i].vValor = 10000 * (semente + i);
+    c[i].lCodigo = semente + i;
+    c[i].lQuantidadeGerencial = 2;
+    c[i].pGerenciais = Novo<_REG_GERENCIAL_GE_PS>(2);
+    for (std::uint32_t g = 0; g < 2; ++g) {
+      c[i].pGerenciais[g].vValor = 5000 * (g + 1);
+      c[i].pGerenciais[g].lPonteiroContaGerencial = 100 * semente + 10 * i + g;
+      c[i].pGerenciais[g].lPonteiroContaContabil = 200 + g;
+    }
+  }
+  return c;
+}
+
+void MontaRetencoes(_REG_RETENCOES_PS& r, std::uint16_t semente) {
+  r.iAliqIRRF = 150;
+  r.iAliqINSS = static_cast<std::uint16_t>(1100 + semente);
+  r.iQtdDeducaoBCINSS = 2;
+  r.pRegDeducoesBCINSS = Novo<_REG_DEDUCOES_BC_INSS_PS>(2);
+  QVCopiaCampoTexto(r.pRegDeducoesBCINSS[0].cDescricao, "Materiais");
+  QVCopiaCampoTexto(r.pRegDeducoesBCINSS[1].cDescricao, "Equipamentos");
+  r.pRegDeducoesBCINSS[1].vValorDeducao = 123400;
+}
+
+void MontaEfdReinf(tagREG_EFD_REINF_ITENS_NFPS& e, std::uint32_t semente) {
+  e.vValorRetencoesAjuizada = 77;
+  e.iQuantidadeProcessosRetAjuiz = 1;
+  e.pRegProcessosRetAjuiz = Novo<tagREG_EFD_PROCESSO_JURIDICO_NFPS>(1);
+  e.pRegProcessosRetAjuiz[0] = {9000, semente, 1};
+  e.iQuantidadeProcessosRetAdic = 2;
+  e.pRegProcessosRetAdic = Novo<tagREG_EFD_PROCESSO_JURIDICO_NFPS>(2);
+  e.pRegProcessosRetAdic[0] = {100, semente + 1, 2};
+  e.pRegProcessosRetAdic[1] = {200, semente + 2, 3};
+}
+
+void MontaServico(_REG_SERVICO_ATENDIMENTO_PS& s, std::uint16_t semente) {
+  QVCopiaCampoTexto(s.cChave, "SRV");
+  s.lCodigo = semente;
+  s.bsComentario = QVBstrFromUtf8("Comentário do serviço");
+  s.bsResultado = QVBstrFromUtf8("Resolvido");
+  s.bsDescricao = QVBstrFromUtf8("Manutenção preventiva");
+  MontaRetencoes(s.regRetencoes, semente);
+  MontaEfdReinf(s.regEFD_REINF, semente);
+  s.iQuantidadeClassificacao = 2;
+  s.pClassificacoes = NovasClassificacoes(2, semente);
+  s.iQuantidadeSessao = 3;
+  s.pSessoes = Novo<_REG_SESSAO_ATENDIMENTO_PS>(3);
+  for (std::uint16_t i = 0; i < 3; ++i) s.pSessoes[i] = {static_cast<std::uint16_t>(800 + 100 * i),
+                                                         static_cast<std::uint16_t>(850 + 100 * i), {0, 0}};
+}
+
+// A call with every owned part present.
+_REG_ATENDIMENTO_PS AtendimentoCompleto() {
+  auto a = Zerado<_REG_ATENDIMENTO_PS>();
+  QVCopiaCampoTexto(a.szEmailExecutor, "tecnico@exemplo.com.br");
+  a.lNumeroAtendimento = 4711;
+  a.i64NumeroNF = 990001;
+  a.bsComentario = QVBstrFromUtf8("Cliente pediu retorno");
+  a.bsComentarioAgendamento = QVBstrFromUtf8("Levar peças");
+  a.bsDescricaoSomarItensNF = QVBstrFromUtf8("Serviços do mês");
+
+  a.iQuantidadeServicoAtend = 2;
+  a.pServicos = Novo<_REG_SERVICO_ATENDIMENTO_PS>(2);
+  MontaServico(a.pServicos[0], 1);
+  MontaServico(a.pServicos[1], 2);
+
+  a.iQuantidadeDespesa = 1;
+  a.pDespesas = Novo<_REG_DESPESA_ATENDIMENTO_PS>(1);
+  a.pDespesas[0].lKmFinal = 321;
+  a.pDespesas[0].RegPisCofinsPs.lCstPis = 1;
+  a.pDespesas[0].bsComentario = QVBstrFromUtf8("Pedágio");
+  a.pDespesas[0].bsDescricao = QVBstrFromUtf8("Deslocamento");
+  a.pDespesas[0].iQuantidadeClassificacao = 1;
+  a.pDespesas[0].pClassificacoes = NovasClassificacoes(1, 7);
+
+  a.lQtdRepresentante = 3;
+  a.pRepresentante = Novo<std::uint32_t>(3);
+  for (std::uint32_t i = 0; i < 3; ++i) a.pRepresentante[i] = 50 + i;
+  a.lQuantidadeClassificacao = 1;
+  a.pClassificacoes = NovasClassificacoes(1, 9);
+
+  a.regListaEventosGoogle.lQuantidadeEventos = 2;
+  a.regListaEventosGoogle.pListaEventos = Novo<_REG_GE_EVENTO_GOOGLEPS>(2);
+  for (std::uint16_t i = 0; i < 2; ++i) {
+    auto& ev = a.regListaEventosGoogle.pListaEventos[i];
+    ev.usUsuarioEvento = static_cast<std::uint16_t>(i + 1);
+    Texto(ev.rIDEvento, i == 0 ? "evt-0001" : "evt-0002");
+    Texto(ev.rIDAgenda, "agenda@exemplo");
+  }
+  a.regListaPonteirosIntegACM.ulQuantidade = 2;
+  a.regListaPonteirosIntegACM.pLista = Novo<std::uint64_t>(2);
+  a.regListaPonteirosIntegACM.pLista[0] = 0x0001000200000003ull;
+  a.regListaPonteirosIntegACM.pLista[1] = 0x0001000200000009ull;
+  MontaRetencoes(a.regRetencoesSomarItensNF, 5);
+  a.RegPisCofinsPsSomarItensNF.vAliqDiferenPis = 16500;
+  MontaEfdReinf(a.regEFDREINFPsSomarItensNF, 30);
+  return a;
+}
+
+void EsperaVazio(const _REG_ATENDIMENTO_PS& a) {
+  EXPECT_EQ(a.pServicos, nullptr);
+  EXPECT_EQ(a.iQuantidadeServicoAtend, 0u);
+  EXPECT_EQ(a.pDespesas, nullptr);
+  EXPECT_EQ(a.iQuantidadeDespesa, 0u);
+  EXPECT_EQ(a.pRepresentante, nullptr);
+  EXPECT_EQ(a.lQtdRepresentante, 0u);
+  EXPECT_EQ(a.pClassificacoes, nullptr);
+  EXPECT_EQ(a.lQuantidadeClassificacao, 0u);
+  EXPECT_EQ(a.bsComentario, nullptr);
+  EXPECT_EQ(a.bsComentarioAgendamento, nullptr);
+  EXPECT_EQ(a.bsDescricaoSomarItensNF, nullptr);
+  EXPECT_EQ(a.regListaEventosGoogle.pListaEventos, nullptr);
+  EXPECT_EQ(a.regListaEventosGoogle.lQuantidadeEventos, 0u);
+  EXPECT_EQ(a.regListaPonteirosIntegACM.pLista, nullptr);
+  EXPECT_EQ(a.regListaPonteirosIntegACM.ulQuantidade, 0u);
+  EXPECT_EQ(a.regRetencoesSomarItensNF.pRegDeducoesBCINSS, nullptr);
+  EXPECT_EQ(a.regRetencoesSomarItensNF.iQtdDeducaoBCINSS, 0u);
+  EXPECT_EQ(a.regEFDREINFPsSomarItensNF.pRegProcessosRetAjuiz, nullptr);
+  EXPECT_EQ(a.regEFDREINFPsSomarItensNF.iQuantidadeProcessosRetAdic, 0u);
+}
+
+TEST(ZelkorinRegistros, AtendimentoCompletoCopiaSemPartilharECompara) {
+  auto a = AtendimentoCompleto();
+  _REG_ATENDIMENTO_PS b;
+  ASSERT_EQ(QVCopia(a, &b), S_OK);
+  EXPECT_TRUE(QVIguais(a, b));
+  EXPECT_EQ(b.lNumeroAtendimento, 4711u);
+  EXPECT_EQ(QVBstrToUtf8(b.bsComentarioAgendamento), "Levar peças");
+  EXPECT_EQ(QVBstrToUtf8(b.pDespesas[0].bsComentario), "Pedágio");
+  EXPECT_EQ(QVTextoPsLe(b.regListaEventosGoogle.pListaEventos[1].rIDEvento), "evt-0002");
+  EXPECT_EQ(b.pServicos[1].pSessoes[2].iHoraFinal, 1050);
+
+  // Nothing of the source is shared, at any depth.
+  EXPECT_NE(b.pServicos, a.pServicos);
+  EXPECT_NE(b.pServicos[0].pSessoes, a.pServicos[0].pSessoes);
+  EXPECT_NE(b.pServicos[1].bsResultado, a.pServicos[1].bsResultado);
+  EXPECT_NE(b.pServicos[1].pClassificacoes[1].pGerenciais, a.pServicos[1].pClassificacoes[1].pGerenciais);
+  EXPECT_NE(b.pServicos[0].regRetencoes.pRegDeducoesBCINSS, a.pServicos[0].regRetencoes.pRegDeducoesBCINSS);
+  EXPECT_NE(b.pServicos[0].regEFD_REINF.pRegProcessosRetAdic, a.pServicos[0].regEFD_REINF.pRegProcessosRetAdic);
+  EXPECT_NE(b.pDespesas[0].pClassificacoes, a.pDespesas[0].pClassificacoes);
+  EXPECT_NE(b.regListaEventosGoogle.pListaEventos[0].rIDAgenda.pTexto,
+            a.regListaEventosGoogle.pListaEventos[0].rIDAgenda.pTexto);
+  EXPECT_NE(b.regListaPonteirosIntegACM.pLista, a.regListaPonteirosIntegACM.pLista);
+  EXPECT_NE(b.regEFDREINFPsSomarItensNF.pRegProcessosRetAjuiz, a.regEFDREINFPsSomarItensNF.pRegProcessosRetAjuiz);
+  EXPECT_NE(b.pRepresentante, a.pRepresentante);
+
+  QVLibera(&a);
+  QVLibera(&b);
+  EsperaVazio(a);
+  EsperaVazio(b);
+  EXPECT_EQ(b.lNumeroAtendimento, 4711u);  // fixed bytes stay
+}
+
+TEST(ZelkorinRegistros, AtendimentoDiferencaDeUmByteNoFundo) {
+  using Mudanca = void (*)(_REG_ATENDIMENTO_PS&);
+  const Mudanca mudancas[] = {
+      [](_REG_ATENDIMENTO_PS& r) { r.pServicos[1].pSessoes[2].iHoraFinal++; },
+      [](_REG_ATENDIMENTO_PS& r) { r.pServicos[0].iQuantidadeSessao--; },
+      [](_REG_ATENDIMENTO_PS& r) { r.pServicos[1].pClassificacoes[1].pGerenciais[1].lPonteiroContaGerencial++; },
+      [](_REG_ATENDIMENTO_PS& r) { r.pServicos[0].bsResultado[0] = u'r'; },
+      [](_REG_ATENDIMENTO_PS& r) { r.pServicos[1].regRetencoes.pRegDeducoesBCINSS[1].cDescricao[0] = 'e'; },
+      [](_REG_ATENDIMENTO_PS& r) { r.pServicos[1].regEFD_REINF.pRegProcessosRetAdic[1].vValor++; },
+      [](_REG_ATENDIMENTO_PS& r) { r.pDespesas[0].pClassificacoes[0].pGerenciais[0].vValor++; },
+      [](_REG_ATENDIMENTO_PS& r) { r.pDespesas[0].bsDescricao[0] = u'd'; },
+      [](_REG_ATENDIMENTO_PS& r) { r.regListaEventosGoogle.pListaEventos[1].rIDAgenda.pTexto[3] ^= 1; },
+      [](_REG_ATENDIMENTO_PS& r) { r.regListaPonteirosIntegACM.pLista[1]++; },
+      [](_REG_ATENDIMENTO_PS& r) { r.regRetencoesSomarItensNF.pRegDeducoesBCINSS[0].cTipo = 1; },
+      [](_REG_ATENDIMENTO_PS& r) { r.regEFDREINFPsSomarItensNF.pRegProcessosRetAjuiz[0].lPonteiroSuspensao++; },
+      [](_REG_ATENDIMENTO_PS& r) { r.pRepresentante[2]++; },
+      [](_REG_ATENDIMENTO_PS& r) { r.pClassificacoes[0].pGerenciais[1].lPonteiroContaContabil++; },
+      [](_REG_ATENDIMENTO_PS& r) { r.bsComentario[0] = u'c'; },
+  };
+  auto a = AtendimentoCompleto();
+  for (std::size_t i = 0; i < std::size(mudancas); ++i) {
+    _REG_ATENDIMENTO_PS b;
+    ASSERT_EQ(QVCopia(a, &b), S_OK);
+    mudancas[i](b);
+    EXPECT_FALSE(QVIguais(a, b)) << "change " << i;
+    EXPECT_FALSE(QVIguais(b, a)) << "change " << i;
+    QVLibera(&b);
+  }
+  QVLibera(&a);
+}
+
+TEST(ZelkorinRegistros, PonteiroNuloComContagemCopiaComoVazio) {
+  auto a = AtendimentoCompleto();
+  CoTaskMemFree(a.pRepresentante);
+  a.pRepresentante = nullptr;  // lQtdRepresentante stays 3
+  CoTaskMemFree(a.pServicos[0].pSessoes);
+  a.pServicos[0].pSessoes = nullptr;  // iQuantidadeSessao stays 3
+  SysFreeString(a.bsComentario);
+  a.bsComentario = nullptr;
+
+  _REG_ATENDIMENTO_PS b;
+  ASSERT_EQ(QVCopia(a, &b), S_OK);
+  EXPECT_EQ(b.pRepresentante, nullptr);
+  EXPECT_EQ(b.lQtdRepresentante, 0u);
+  EXPECT_EQ(b.pServicos[0].pSessoes, nullptr);
+  EXPECT_EQ(b.pServicos[0].iQuantidadeSessao, 0u);
+  EXPECT_EQ(b.pServicos[1].iQuantidadeSessao, 3u);
+  EXPECT_EQ(b.bsComentario, nullptr);
+  QVLibera(&a);
+  QVLibera(&b);
+}
+
+TEST(ZelkorinRegistros, ListaDeRegistrosLevaOsAtendimentosInteiros) {
+  auto lista = Zerado<_REG_LISTA_REGISTROS_PS>();
+  lista.iQuantidadeRegistros = 2;
+  lista.pRegistros = Novo<_REG_ATENDIMENTO_PS>(2);
+  lista.pRegistros[0] = AtendimentoCompleto();
+  lista.pRegistros[1] = AtendimentoCompleto();
+  lista.pRegistros[1].lNumeroAtendimento = 4712;
+
+  _REG_LISTA_REGISTROS_PS copia;
+  ASSERT_EQ(QVCopia(lista, &copia), S_OK);
+  EXPECT_TRUE(QVIguais(lista, copia));
+  EXPECT_NE(copia.pRegistros[1].pServicos[1].pSessoes, lista.pRegistros[1].pServicos[1].pSessoes);
+  copia.pRegistros[1].regListaEventosGoogle.pListaEventos[0].rIDEvento.pTexto[0] = 'E';
+  EXPECT_FALSE(QVIguais(lista, copia));
+  QVLibera(&lista);
+  QVLibera(&copia);
+  EXPECT_EQ(copia.pRegistros, nullptr);
+  EXPECT_EQ(copia.iQuantidadeRegistros, 0u);
+}
+
+void InfoPlusTexto(IE_CAMPO_DATA_PS& c, IE_E_CAMPO id, std::string_view s) {
+  c.id = static_cast<std::int32_t>(id);
+  c.ulTamanhoTexto = static_cast<std::uint32_t>(s.size() + 1);
+  c.pcTexto = Novo<std::uint8_t>(s.size() + 1);
+  std::memcpy(c.pcTexto, s.data(), s.size());
+}
+
+_REG_FILTRO_ATENDIMENTO_PS FiltroComListas() {
+  auto f = Zerado<_REG_FILTRO_ATENDIMENTO_PS>();
+  QVCopiaCampoTexto(f.cDescricaoServico, "manutenção");
+  f.iQtdeMA = 3;
+  f.arrMA = Novo<std::uint16_t>(3);
+  f.arrMA[0] = 301;
+  f.arrMA[1] = 302;
+  f.arrMA[2] = 303;
+  f.iQtdePos = 2;
+  f.arrlPos = Novo<std::uint32_t>(2);
+  f.arrlPos[0] = 11;
+  f.arrlPos[1] = 12;
+  // The first and the last of the 20 slots carry texts; the others are empty.
+  InfoPlusTexto(f.ieInfoPlus[0], IE_CAMPO_LIVRE_TEXTO_0, "Região Sul");
+  InfoPlusTexto(f.ieInfoPlus[19], static_cast<IE_E_CAMPO>(IE_CAMPO_LIVRE_TEXTO_0 + 3), "Contrato 7");
+  f.ieInfoPlus[5].id = static_cast<std::int32_t>(IE_CAMPO_LIVRE_V2_0);
+  f.ieInfoPlus[5].BinaryData[0] = 42;
+  return f;
+}
+
+TEST(ZelkorinRegistros, FiltroCopiaListasETextosDosCamposInfoPlus) {
+  auto f = FiltroComListas();
+  _REG_FILTRO_ATENDIMENTO_PS g;
+  ASSERT_EQ(QVCopia(f, &g), S_OK);
+  EXPECT_TRUE(QVIguais(f, g));
+  EXPECT_NE(g.arrMA, f.arrMA);
+  EXPECT_EQ(g.arrMA[2], 303);
+  EXPECT_NE(g.arrlPos, f.arrlPos);
+  EXPECT_EQ(g.arrlPos[1], 12u);
+  ASSERT_NE(g.ieInfoPlus[19].pcTexto, nullptr);
+  EXPECT_NE(g.ieInfoPlus[19].pcTexto, f.ieInfoPlus[19].pcTexto);
+  EXPECT_STREQ(reinterpret_cast<const char*>(g.ieInfoPlus[0].pcTexto), "Região Sul");
+  EXPECT_EQ(g.ieInfoPlus[5].pcTexto, nullptr);
+  EXPECT_EQ(g.ieInfoPlus[5].BinaryData[0], 42);
+
+  g.ieInfoPlus[19].pcTexto[0] = 'c';
+  EXPECT_FALSE(QVIguais(f, g));
+  g.ieInfoPlus[19].pcTexto[0] = 'C';
+  g.arrMA[0]++;
+  EXPECT_FALSE(QVIguais(f, g));
+
+  QVLibera(&f);
+  QVLibera(&g);
+  for (const auto& c : g.ieInfoPlus) {
+    EXPECT_EQ(c.pcTexto, nullptr);
+    EXPECT_EQ(c.ulTamanhoTexto, 0u);
+  }
+  EXPECT_EQ(g.arrMA, nullptr);
+  EXPECT_EQ(g.iQtdeMA, 0);
+  EXPECT_EQ(g.arrlPos, nullptr);
+  EXPECT_EQ(g.iQtdePos, 0);
+}
+
+TEST(ZelkorinRegistros, PedidosDeRelatorioLevamFiltroETextos) {
+  auto rel = Zerado<_REG_RELATORIO_ATENDIMENTO_PS>();
+  QVCopiaCampoTexto(rel.cRelatorio, "Atendimentos por período");
+  rel.RegFiltroPs = FiltroComListas();
+  _REG_RELATORIO_ATENDIMENTO_PS relCopia;
+  ASSERT_EQ(QVCopia(rel, &relCopia), S_OK);
+  EXPECT_TRUE(QVIguais(rel, relCopia));
+  EXPECT_NE(relCopia.RegFiltroPs.arrlPos, rel.RegFiltroPs.arrlPos);
+  EXPECT_NE(relCopia.RegFiltroPs.ieInfoPlus[19].pcTexto, rel.RegFiltroPs.ieInfoPlus[19].pcTexto);
+  QVLibera(&rel);
+  QVLibera(&relCopia);
+  EXPECT_EQ(relCopia.RegFiltroPs.ieInfoPlus[0].pcTexto, nullptr);
+
+  auto horas = Zerado<_REG_FILTRO_REL_CONTROLE_HORAS>();
+  horas.bsRazaoSocial = QVBstrFromUtf8("Empresa Ltda");
+  horas.bsComponente = QVBstrFromUtf8("GE");
+  horas.bsArqTemp = QVBstrFromUtf8("/tmp/horas.tmp");
+  horas.bsRelatorio = QVBstrFromUtf8("Controle de horas");
+  horas.bsProjeto = QVBstrFromUtf8("Implantação");
+  _REG_FILTRO_REL_CONTROLE_HORAS horasCopia;
+  ASSERT_EQ(QVCopia(horas, &horasCopia), S_OK);
+  EXPECT_TRUE(QVIguais(horas, horasCopia));
+  EXPECT_NE(horasCopia.bsProjeto, horas.bsProjeto);
+  EXPECT_EQ(QVBstrToUtf8(horasCopia.bsProjeto), "Implantação");
+  horasCopia.bsRazaoSocial[0] = u'e';
+  EXPECT_FALSE(QVIguais(horas, horasCopia));
+  QVLibera(&horas);
+  QVLibera(&horasCopia);
+  EXPECT_EQ(horasCopia.bsArqTemp, nullptr);
+}
+
+TEST(ZelkorinRegistros, ConsultaAgendamentoCopiaOsTextosDaLista) {
+  auto c = Zerado<_REG_REL_CONSULTA_AGENDAMENTO>();
+  c.iDataInicial = 45000;
+  c.iDataFinal = 45030;
+  c.bsArqTemp = QVBstrFromUtf8("/tmp/agenda.tmp");
+  c.regLista.lQuantidade = 2;
+  c.regLista.pAgendamentos = Novo<_REG_AGENDAMENTO_REL>(2);
+  for (std::uint32_t i = 0; i < 2; ++i) {
+    auto& ag = c.regLista.pAgendamentos[i];
+    ag.lNumeroAtendimento = 100 + i;
+    ag.bsExecutor = QVBstrFromUtf8("João");
+    ag.bsHoraInicial = QVBstrFromUtf8("08:00");
+    ag.bsHoraFinal = QVBstrFromUtf8(i == 0 ? "09:30" : "11:00");
+    ag.bsCliente = QVBstrFromUtf8("Padaria Estrela");
+  }
+  _REG_REL_CONSULTA_AGENDAMENTO d;
+  ASSERT_EQ(QVCopia(c, &d), S_OK);
+  EXPECT_TRUE(QVIguais(c, d));
+  EXPECT_NE(d.regLista.pAgendamentos, c.regLista.pAgendamentos);
+  EXPECT_NE(d.regLista.pAgendamentos[1].bsCliente, c.regLista.pAgendamentos[1].bsCliente);
+  EXPECT_EQ(QVBstrToUtf8(d.regLista.pAgendamentos[1].bsHoraFinal), "11:00");
+  EXPECT_EQ(QVBstrToUtf8(d.bsArqTemp), "/tmp/agenda.tmp");
+  d.regLista.pAgendamentos[1].bsCliente[0] = u'p';
+  EXPECT_FALSE(QVIguais(c, d));
+  QVLibera(&c);
+  QVLibera(&d);
+  EXPECT_EQ(d.regLista.pAgendamentos, nullptr);
+  EXPECT_EQ(d.regLista.lQuantidade, 0u);
+  EXPECT_EQ(d.bsArqTemp, nullptr);
+}
+
+TEST(ZelkorinRegistros, ProjetosEPropriedadesCopiamSeusTextos) {
+  auto lista = Zerado<_REG_LISTA_PROJETOS_PS>();
+  lista.iQuantidadeRegistros = 2;
+  lista.pRegistros = Novo<_REG_PROJETO_ATENDIMENTO_PS>(2);
+  Texto(lista.pRegistros[0].rCodigo, "P-01");
+  Texto(lista.pRegistros[0].rNome, "Implantação");
+  Texto(lista.pRegistros[1].rNome, "Suporte");  // no code: empty text
+  lista.pRegistros[1].lPos = 2;
+  _REG_LISTA_PROJETOS_PS copia;
+  ASSERT_EQ(QVCopia(lista, &copia), S_OK);
+  EXPECT_TRUE(QVIguais(lista, copia));
+  EXPECT_NE(copia.pRegistros[0].rNome.pTexto, lista.pRegistros[0].rNome.pTexto);
+  EXPECT_EQ(QVTextoPsLe(copia.pRegistros[1].rNome), "Suporte");
+  EXPECT_EQ(copia.pRegistros[1].rCodigo.pTexto, nullptr);
+  copia.pRegistros[0].rCodigo.pTexto[3] = '2';
+  EXPECT_FALSE(QVIguais(lista, copia));
+  QVLibera(&lista);
+  QVLibera(&copia);
+  EXPECT_EQ(copia.pRegistros, nullptr);
+
+  auto filtro = Zerado<_REG_FILTRO_PROJETO_PS>();
+  Texto(filtro.rNome, "Impl");
+  Texto(filtro.rCodigo, "P-01");
+  _REG_FILTRO_PROJETO_PS filtroCopia;
+  ASSERT_EQ(QVCopia(filtro, &filtroCopia), S_OK);
+  EXPECT_TRUE(QVIguais(filtro, filtroCopia));
+  EXPECT_NE(filtroCopia.rCodigo.pTexto, filtro.rCodigo.pTexto);
+  QVLibera(&filtro);
+  QVLibera(&filtroCopia);
+  EXPECT_EQ(filtroCopia.rNome.ulQtdBytes, 0u);
+
+  auto props = Zerado<_REG_PROPRIEDADES_ATENDIMENTO_PS>();
+  props.lProximoNumero = 88;
+  Texto(props.rNomeCliente2, "Solicitante");
+  _REG_PROPRIEDADES_ATENDIMENTO_PS propsCopia;
+  ASSERT_EQ(QVCopia(props, &propsCopia), S_OK);
+  EXPECT_TRUE(QVIguais(props, propsCopia));
+  EXPECT_NE(propsCopia.rNomeCliente2.pTexto, props.rNomeCliente2.pTexto);
+  QVLibera(&props);
+  QVLibera(&propsCopia);
+  EXPECT_EQ(propsCopia.rNomeCliente2.pTexto, nullptr);
+}
+
+TEST(ZelkorinRegistros, IdentidadeNaGrafiaDoRegistro) {
+  EXPECT_EQ(static_cast<std::uint32_t>(IE_CAMPO_COUNT), 0x8C0001C2u);
+  EXPECT_EQ(IE_CAMPO_COUNT - IE_CAMPO_LIVRE_DMA_0, 9u * 50u);
+  EXPECT_EQ(QVGuidFormat(LIBID_ZELKORINLib), "{69816F98-7D2B-4909-A22F-8752CE7748EB}");
+  EXPECT_EQ(QVGuidFormat(IID_IQVGE_Atendimento), "{0F537427-7E93-41AB-878D-E88FB7EA13B0}");
+  EXPECT_EQ(QVGuidFormat(IID_IQVGE_Projeto), "{5EF9A8A6-E6ED-432D-9F61-2D3F8493CAAD}");
+  EXPECT_EQ(QVGuidFormat(CLSID_QVGE_Atendimento), "{360862BF-A33B-49DD-8E13-C0E70DE9C704}");
+  EXPECT_EQ(QVGuidFormat(CLSID_QVGE_Projeto), "{87EABE28-DC83-4C70-8B1C-5F1B4F2142DF}");
+  EXPECT_EQ(QVGuidFormat(APPID_Zelkorin), "{5A1D1C7F-FDE8-4D2D-B2C3-E44406DF3222}");
+}
+
+// The method order is the slot order clients call by. Under the Itanium C++
+// ABI on x86-64 a pointer to a virtual member holds 1 + the byte offset of
+// its slot in the table.
+template <class C, class R, class... A>
+std::size_t Slot(R (C::*metodo)(A...)) {
+  struct {
+    std::uintptr_t ptr;
+    std::ptrdiff_t ajuste;
+  } bruto;
+  static_assert(sizeof metodo == sizeof bruto);
+  std::memcpy(&bruto, &metodo, sizeof bruto);
+  return (bruto.ptr - 1) / sizeof(void*);
+}
+
+TEST(ZelkorinRegistros, OrdemDosSlotsDasInterfaces) {
+#if !(defined(__x86_64__) && defined(__GNUC__))
+  GTEST_SKIP() << "slot layout checked only under the x86-64 Itanium ABI";
+#else
+  using A = IQVGE_Atendimento;
+  EXPECT_EQ(Slot(&A::Inicializa_Padrao), 3u);
+  EXPECT_EQ(Slot(&A::BuscaPonteiros), 7u);
+  EXPECT_EQ(Slot(&A::BuscaRegistros), 8u);
+  EXPECT_EQ(Slot(&A::BuscaPonteirosAgenda), 9u);
+  EXPECT_EQ(Slot(&A::BuscaRegistrosAgenda), 10u);
+  EXPECT_EQ(Slot(&A::LeAtendimento), 11u);
+  EXPECT_EQ(Slot(&A::LeAtendimentoLight), 12u);
+  EXPECT_EQ(Slot(&A::GravaAtendimento), 13u);
+  EXPECT_EQ(Slot(&A::LePropriedades), 14u);
+  EXPECT_EQ(Slot(&A::GravaPropriedades), 15u);
+  EXPECT_EQ(Slot(&A::BuscaLeiautesAtendimento), 16u);
+  EXPECT_EQ(Slot(&A::BuscaLeiautesAtendimentoDFCLAY), 17u);
+  EXPECT_EQ(Slot(&A::BuscaLeiautesAtendimentoDFCMOD), 18u);
+  EXPECT_EQ(Slot(&A::ConsistirNumeroAtendimentoPS), 19u);
+  EXPECT_EQ(Slot(&A::GeraRelatorioAgrupamento), 20u);
+  EXPECT_EQ(Slot(&A::GeraRelatorioPeriodo), 21u);
+  EXPECT_EQ(Slot(&A::GeraRelatorioAtendimento), 22u);
+  EXPECT_EQ(Slot(&A::GeraRelatorioControleHoras), 23u);
+  EXPECT_EQ(Slot(&A::GeraRelatorioConsultaAgendamento), 24u);
+
+  using P = IQVGE_Projeto;
+  EXPECT_EQ(Slot(&P::FuncaoGenerica), 6u);
+  EXPECT_EQ(Slot(&P::BuscaPonteiros), 7u);
+  EXPECT_EQ(Slot(&P::BuscaRegistros), 8u);
+  EXPECT_EQ(Slot(&P::LeRegistro), 9u);
+  EXPECT_EQ(Slot(&P::Grava), 10u);
+#endif
+}
+
+}  // namespace

@@ -1,0 +1,67 @@
+#include "platform/QVBstr.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "platform/QVCodePage.h"
+#include "platform/QVGuid.h"
+
+TEST(QVBstr, PrefixoDeTamanhoETerminador) {
+  BSTR s = SysAllocString(u"Olá");
+  ASSERT_NE(s, nullptr);
+  EXPECT_EQ(SysStringLen(s), 3u);
+  EXPECT_EQ(SysStringByteLen(s), 6u);
+  std::uint32_t prefixo;
+  std::memcpy(&prefixo, reinterpret_cast<char*>(s) - 4, 4);
+  EXPECT_EQ(prefixo, 6u);
+  EXPECT_EQ(s[3], 0);
+  SysFreeString(s);
+}
+
+TEST(QVBstr, NuloEhVazio) {
+  EXPECT_EQ(SysAllocString(nullptr), nullptr);
+  EXPECT_EQ(SysStringLen(nullptr), 0u);
+  EXPECT_EQ(QVBstrToUtf8(nullptr), "");
+  SysFreeString(nullptr);
+  // Embedded zeros are kept: the length comes from the prefix.
+  const char16_t comZero[] = {u'a', 0, u'b'};
+  BSTR s = SysAllocStringLen(comZero, 3);
+  EXPECT_EQ(SysStringLen(s), 3u);
+  EXPECT_EQ(s[2], u'b');
+  SysFreeString(s);
+  BSTR vazio = SysAllocStringLen(nullptr, 2);
+  EXPECT_EQ(vazio[0], 0);
+  EXPECT_EQ(vazio[2], 0);
+  SysFreeString(vazio);
+  EXPECT_EQ(SysAllocStringLen(u"x", 0xFFFFFFF0u), nullptr);  // the byte length would not fit
+}
+
+TEST(QVBstr, ConversoesUtf8Utf16) {
+  const std::string texto = "Ação € 𝄞";  // two-, three- and four-byte sequences
+  BSTR s = QVBstrFromUtf8(texto);
+  EXPECT_EQ(SysStringLen(s), 9u);  // seven characters and the clef as a surrogate pair
+  EXPECT_EQ(QVBstrToUtf8(s), texto);
+  SysFreeString(s);
+  EXPECT_EQ(QVUtf16ToUtf8(std::u16string(1, static_cast<char16_t>(0xD800))), "\xEF\xBF\xBD");
+}
+
+TEST(QVCodePage, Windows1252) {
+  EXPECT_EQ(QVUtf8ToAnsi("Ação €"), "A\xE7\xE3o \x80");
+  EXPECT_EQ(QVAnsiToUtf8("A\xE7\xE3o \x80"), "Ação €");
+  EXPECT_EQ(QVUtf8ToAnsi("日本"), "??");
+  EXPECT_EQ(QVAnsiToUtf8("\x81"), "\xEF\xBF\xBD");
+}
+
+TEST(QVGuid, LeituraEEscrita) {
+  constexpr GUID g = QVGuid("{0F537427-7E93-41AB-878D-E88FB7EA13B0}");
+  EXPECT_EQ(g.Data1, 0x0F537427u);
+  EXPECT_EQ(g.Data4[7], 0xB0);
+  EXPECT_EQ(QVGuidFormat(g), "{0F537427-7E93-41AB-878D-E88FB7EA13B0}");
+  EXPECT_EQ(QVGuidParse("0f537427-7e93-41ab-878d-e88fb7ea13b0"), g);
+  EXPECT_FALSE(QVGuidParse("{0F537427-7E93-41AB-878D-E88FB7EA13B}").has_value());
+  EXPECT_FALSE(QVGuidParse("{0F537427+7E93-41AB-878D-E88FB7EA13B0}").has_value());
+  EXPECT_FALSE(QVGuidParse("{0F537427-7E93-41AB-878D-E88FB7EA13BG}").has_value());
+  EXPECT_NE(QVGuidNovo(), QVGuidNovo());
+  EXPECT_EQ(QVGuidNovo().Data3 >> 12, 4);
+}

@@ -1,0 +1,67 @@
+#include "platform/QVCom.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+constexpr CLSID kClasse = QVGuid("{11111111-2222-3333-4444-555555555555}");
+constexpr IID kInterface = QVGuid("{66666666-2222-3333-4444-555555555555}");
+
+struct CObjeto : IUnknown {
+  HRESULT QueryInterface(REFIID riid, void** ppv) override {
+    if (riid == IID_IUnknown || riid == kInterface) {
+      *ppv = this;
+      AddRef();
+      return S_OK;
+    }
+    *ppv = nullptr;
+    return E_NOINTERFACE;
+  }
+  std::uint32_t AddRef() override { return ++refs; }
+  std::uint32_t Release() override {
+    const std::uint32_t n = --refs;
+    if (n == 0) delete this;
+    return n;
+  }
+  int refs = 1;
+  virtual ~CObjeto() = default;
+};
+
+struct CFabrica final : IClassFactory {
+  HRESULT QueryInterface(REFIID, void**) override { return E_NOINTERFACE; }
+  std::uint32_t AddRef() override { return ++refs; }
+  std::uint32_t Release() override { return --refs; }
+  HRESULT CreateInstance(IUnknown*, REFIID riid, void** ppv) override {
+    auto* o = new CObjeto();
+    const HRESULT hr = o->QueryInterface(riid, ppv);
+    o->Release();
+    return hr;
+  }
+  HRESULT LockServer(bool) override { return S_OK; }
+  int refs = 0;
+};
+
+}  // namespace
+
+TEST(QVCom, CriacaoPorIdentificadorDeClasse) {
+  CFabrica fabrica;
+  std::uint32_t cookie = 0;
+  ASSERT_EQ(CoRegisterClassObject(kClasse, &fabrica, &cookie), S_OK);
+  EXPECT_EQ(fabrica.refs, 1);  // the registry holds one reference
+  std::uint32_t outro = 0;
+  EXPECT_EQ(CoRegisterClassObject(kClasse, &fabrica, &outro), CO_E_OBJISREG);
+
+  CQVComPtr<IUnknown> objeto;
+  ASSERT_EQ(CoCreateInstance(kClasse, nullptr, CLSCTX_ALL, kInterface, objeto.ppv()), S_OK);
+  EXPECT_TRUE(objeto);
+  void* p = reinterpret_cast<void*>(1);
+  EXPECT_EQ(CoCreateInstance(kClasse, nullptr, CLSCTX_ALL, QVGuid("{00000000-0000-0000-0000-0000000000AA}"), &p),
+            E_NOINTERFACE);
+  EXPECT_EQ(p, nullptr);
+
+  ASSERT_EQ(CoRevokeClassObject(cookie), S_OK);
+  EXPECT_EQ(fabrica.refs, 0);
+  EXPECT_EQ(CoCreateInstance(kClasse, nullptr, CLSCTX_ALL, kInterface, objeto.ppv()), REGDB_E_CLASSNOTREG);
+  EXPECT_FALSE(objeto);
+  EXPECT_EQ(CoRevokeClassObject(cookie), E_INVALIDARG);
+}
