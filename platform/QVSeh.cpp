@@ -127,7 +127,10 @@ void InstalaTratadores() {
   for (int sinal : kSinais) {
     struct sigaction sa {};
     sa.sa_sigaction = Tratador;
-    sa.sa_flags = SA_SIGINFO | SA_ONSTACK;
+    // SA_NODEFER: the signal is not blocked while the handler runs, so the
+    // jump back out of it leaves the thread's mask as it was and the guard
+    // need not save the mask (a system call) at every guarded call.
+    sa.sa_flags = SA_SIGINFO | SA_ONSTACK | SA_NODEFER;
     sigemptyset(&sa.sa_mask);
     sigaction(sinal, &sa, nullptr);
   }
@@ -156,7 +159,7 @@ QVSehFault QVSehRun(void (*fn)(void*), void* ctx) {
   Guarda* volatile anterior = t_guarda;
   guarda.anterior = anterior;
   QVSehFault resultado;
-  if (sigsetjmp(guarda.retorno, 1) == 0) {
+  if (sigsetjmp(guarda.retorno, 0) == 0) {
     t_guarda = &guarda;
     try {
       fn(ctx);

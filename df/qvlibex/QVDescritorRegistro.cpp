@@ -54,6 +54,38 @@ void Desvincula(const QVDescritorRegistro& d, void* registro) {
 
 }  // namespace
 
+bool QVDescritorConsistente(const QVDescritorRegistro& d, std::string* pErro) {
+  auto falha = [&](const QVCampoPonteiro& c, const char* motivo) {
+    if (pErro != nullptr) *pErro = std::string(d.nome) + "." + c.nome + ": " + motivo;
+    return false;
+  };
+  for (const QVCampoPonteiro& c : d.campos) {
+    switch (c.tipo) {
+      case EQVCampoPonteiro::Aninhado:
+        if (c.elemento == nullptr) return falha(c, "sem descritor");
+        if (c.offset + std::uint64_t{c.elemento->tamanho} > d.tamanho) return falha(c, "fora do registro");
+        if (!QVDescritorConsistente(*c.elemento, pErro)) return false;
+        break;
+      case EQVCampoPonteiro::Bstr:
+        if (c.offset + std::uint64_t{sizeof(void*)} > d.tamanho) return falha(c, "fora do registro");
+        break;
+      case EQVCampoPonteiro::Array:
+      case EQVCampoPonteiro::Registros:
+        if (c.offset + std::uint64_t{sizeof(void*)} > d.tamanho) return falha(c, "fora do registro");
+        if (c.largContagem != 2 && c.largContagem != 4) return falha(c, "contagem sem 2 ou 4 bytes");
+        if (c.offContagem + std::uint64_t{c.largContagem} > d.tamanho) return falha(c, "contagem fora do registro");
+        if (c.tipo == EQVCampoPonteiro::Array && c.tamElemento == 0) return falha(c, "elemento de tamanho 0");
+        if (c.tipo == EQVCampoPonteiro::Registros) {
+          if (c.elemento == nullptr) return falha(c, "sem descritor");
+          if (c.elemento->tamanho != c.tamElemento) return falha(c, "tamanho do elemento difere do descritor");
+          if (!QVDescritorConsistente(*c.elemento, pErro)) return false;
+        }
+        break;
+    }
+  }
+  return true;
+}
+
 std::uint32_t QVLeContagem(const QVCampoPonteiro& c, const void* registro) {
   if (c.largContagem == 2) {
     std::uint16_t v;

@@ -17,6 +17,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <string>
 
 #include "platform/QVHResult.h"
 
@@ -60,6 +61,12 @@ const QVDescritorRegistro& QVDescritor();
                   sizeof(T::contagem), sizeof(*T::campo), &(descritor)}
 #define QV_CAMPO_ANINHADO(T, campo, descritor) \
   QVCampoPonteiro{#campo, offsetof(T, campo), EQVCampoPonteiro::Aninhado, 0, 0, 0, &(descritor)}
+
+// Checks a description against itself, recursively: every field and count
+// lies inside its record, counts are 2 or 4 bytes wide, and a record array's
+// element size is its element descriptor's size. On failure pErro names the
+// first field at fault.
+bool QVDescritorConsistente(const QVDescritorRegistro& d, std::string* pErro = nullptr);
 
 // The element count of an Array or Registros field of a record.
 std::uint32_t QVLeContagem(const QVCampoPonteiro& campo, const void* registro);

@@ -115,6 +115,26 @@ std::string QVFormataFalhaValor(std::string_view expressao, std::string_view var
   return buf;
 }
 
+std::string QVFormataFalhaArquivo(HRESULT hr, std::string_view arquivo, std::int64_t posicao, std::int64_t registro,
+                                  std::int64_t quantidadeRegistros) {
+  const std::string a(arquivo), d = QVDescricaoHResult(hr);
+  char buf[2048];
+  std::snprintf(buf, sizeof buf, "hr = 0x%08X\tDescrição = %s\tArquivo = %s\tPosição = %d\tRegistro = %d\tQtd. Registros = %lld",
+                static_cast<unsigned>(hr), d.c_str(), a.c_str(), static_cast<int>(posicao), static_cast<int>(registro),
+                static_cast<long long>(quantidadeRegistros));
+  return buf;
+}
+
+std::string QVFormataFalhaArquivoTamanho(HRESULT hr, std::string_view arquivo, std::int64_t posicao,
+                                         std::int64_t registro, std::int64_t tamanho) {
+  const std::string a(arquivo), d = QVDescricaoHResult(hr);
+  char buf[2048];
+  std::snprintf(buf, sizeof buf, "hr = 0x%08X\tDescrição = %s\tArquivo = %s\tPosição = %d\tRegistro = %d\tGetLength = %lld",
+                static_cast<unsigned>(hr), d.c_str(), a.c_str(), static_cast<int>(posicao), static_cast<int>(registro),
+                static_cast<long long>(tamanho));
+  return buf;
+}
+
 void QVEscreveLinhaErroTexto(const IQVDF_Profiler* pSink, std::string_view funcao, std::string_view fonte, int linha,
                              std::string mensagem, std::vector<QVParametroLog> parametros) {
   QVRegistroProfiler reg;

@@ -80,6 +80,14 @@ std::string QVFormataFalhaHr(std::string_view expressao, HRESULT hr);
 std::string QVFormataFalhaValor(std::string_view expressao, std::string_view variavel, std::int64_t valor,
                                 HRESULT hr);
 
+// The message of a failed record-file operation (format 3): the file, the
+// position asked for, the record number and the file's record count, or,
+// with a file length instead of a count, the variant ending "GetLength".
+std::string QVFormataFalhaArquivo(HRESULT hr, std::string_view arquivo, std::int64_t posicao, std::int64_t registro,
+                                  std::int64_t quantidadeRegistros);
+std::string QVFormataFalhaArquivoTamanho(HRESULT hr, std::string_view arquivo, std::int64_t posicao,
+                                         std::int64_t registro, std::int64_t tamanho);
+
 // Writes one error line: the printf-style message with the function and
 // source it came from. pSink may be null.
 void QVEscreveLinhaErro(const IQVDF_Profiler* pSink, std::string_view funcao, std::string_view fonte, int linha,

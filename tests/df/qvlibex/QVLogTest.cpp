@@ -96,6 +96,15 @@ TEST_F(QVLogTest, PartesDeUmCodigoWin32) {
             "arq.GetQtdRegistros()\tlQtd = -1\tHR = 0X80004005\tDescrição = Falha não especificada");
 }
 
+TEST_F(QVLogTest, FalhasDeArquivoDeRegistros) {
+  EXPECT_EQ(QVFormataFalhaArquivo(E_QVCR_POSICAO_LEITURA_SUPERIOR_QUANTIDADE_ARQUIVO, "GEATPRJ.dat", 12, 12, 11),
+            "hr = 0x810809DA\tDescrição = Posição de leitura além do último registro do arquivo\t"
+            "Arquivo = GEATPRJ.dat\tPosição = 12\tRegistro = 12\tQtd. Registros = 11");
+  EXPECT_EQ(QVFormataFalhaArquivoTamanho(E_QVCR_ARQUIVO_NAO_EH_MOD_ESTRUTURA, "GEATRPS.dat", 0, 0, 4294967297),
+            "hr = 0x810809D8\tDescrição = O tamanho do arquivo não corresponde a um número inteiro de registros\t"
+            "Arquivo = GEATRPS.dat\tPosição = 0\tRegistro = 0\tGetLength = 4294967297");
+}
+
 TEST_F(QVLogTest, IdentidadeDoEscopoNasColunas) {
   CQVProfilerEmpresa perfil("ACME", 7, 1234);
   {

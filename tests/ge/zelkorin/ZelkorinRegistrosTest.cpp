@@ -482,3 +482,36 @@ TEST(ZelkorinRegistros, OrdemDosSlotsDasInterfaces) {
 }
 
 }  // namespace
+
+// Every description agrees with its own record: a wrong count width, a
+// field outside the record or an element descriptor of another size would
+// make the deep copy and the marshaller read or write the wrong bytes.
+TEST(ZelkorinRegistros, DescritoresConsistentes) {
+  const QVDescritorRegistro* todos[] = {
+      &QVDescritor<_REG_DF_TEXTOPS>(), &QVDescritor<_REG_DF_FUNCAO_GENERICAPS>(),
+      &QVDescritor<_REG_DF_INICIALIZAPS>(), &QVDescritor<_REG_DF_ERROPS>(), &QVDescritor<_REG_DF_LISTA_QVDMCPS>(),
+      &QVDescritor<IE_CAMPO_DATA_PS>(), &QVDescritor<_REG_FILTRO_ATENDIMENTO_PS>(),
+      &QVDescritor<_REG_LISTA_PONTEIROS_PS>(), &QVDescritor<_REG_CLIENTES_ATENDIMENTO_PS>(),
+      &QVDescritor<_REG_LISTA_REGISTROS_PS>(), &QVDescritor<_REG_FILTRO_AGENDA_PS>(),
+      &QVDescritor<_REG_LISTA_PONTEIROS_AGENDA>(), &QVDescritor<_REG_LISTA_SERVICOS_AGENDA_PS>(),
+      &QVDescritor<_REG_GE_EVENTO_GOOGLEPS>(), &QVDescritor<_REG_GE_LISTA_EVENTO_GOOGLEPS>(),
+      &QVDescritor<_REG_RETENCOES_PS>(), &QVDescritor<tagREG_EFD_REINF_ITENS_NFPS>(),
+      &QVDescritor<_REG_CLASSIFICACAO_GE_PS>(), &QVDescritor<_REG_SERVICO_ATENDIMENTO_PS>(),
+      &QVDescritor<_REG_DESPESA_ATENDIMENTO_PS>(), &QVDescritor<_REG_ATENDIMENTO_PS>(),
+      &QVDescritor<_REG_PROPRIEDADES_ATENDIMENTO_PS>(), &QVDescritor<_REG_RELATORIO_ATENDIMENTO_PS>(),
+      &QVDescritor<_REG_FILTRO_REL_CONTROLE_HORAS>(), &QVDescritor<_REG_AGENDAMENTO_REL>(),
+      &QVDescritor<_REG_LISTA_AGENDAMENTO_REL>(), &QVDescritor<_REG_REL_CONSULTA_AGENDAMENTO>(),
+      &QVDescritor<_REG_FILTRO_PROJETO_PS>(), &QVDescritor<_REG_PTR_PROJETO_PS>(),
+      &QVDescritor<_REG_PROJETO_ATENDIMENTO_PS>(), &QVDescritor<_REG_LISTA_PROJETOS_PS>()};
+  for (const QVDescritorRegistro* d : todos) {
+    std::string erro;
+    EXPECT_TRUE(QVDescritorConsistente(*d, &erro)) << erro;
+  }
+  // And the check itself sees a wrong element size.
+  const QVCampoPonteiro errado[] = {QVCampoPonteiro{"pLista", 16, EQVCampoPonteiro::Registros, 0, 4, 8,
+                                                    &QVDescritor<_REG_DF_TEXTOPS>()}};
+  const QVDescritorRegistro lista{"_REG_ERRADO", 24, errado};
+  std::string erro;
+  EXPECT_FALSE(QVDescritorConsistente(lista, &erro));
+  EXPECT_EQ(erro, "_REG_ERRADO.pLista: tamanho do elemento difere do descritor");
+}
