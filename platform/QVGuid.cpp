@@ -17,15 +17,7 @@ std::optional<GUID> QVGuidParse(std::string_view t) {
     if (!traco && qvguid_detail::Hex(t[i]) < 0) return std::nullopt;
     s[i + 1] = t[i];
   }
-  using qvguid_detail::Campo;
-  GUID g{};
-  g.Data1 = static_cast<std::uint32_t>(Campo(s + 1, 8));
-  g.Data2 = static_cast<std::uint16_t>(Campo(s + 10, 4));
-  g.Data3 = static_cast<std::uint16_t>(Campo(s + 15, 4));
-  g.Data4[0] = static_cast<std::uint8_t>(Campo(s + 20, 2));
-  g.Data4[1] = static_cast<std::uint8_t>(Campo(s + 22, 2));
-  for (int i = 0; i < 6; ++i) g.Data4[2 + i] = static_cast<std::uint8_t>(Campo(s + 25 + 2 * i, 2));
-  return g;
+  return qvguid_detail::Monta(s);
 }
 
 std::string QVGuidFormat(const GUID& g) {

@@ -46,6 +46,17 @@ constexpr std::uint64_t Campo(const char* s, int n) {
   for (int i = 0; i < n; ++i) v = (v << 4) | static_cast<std::uint64_t>(Hex(s[i]));
   return v;
 }
+// The fields of an already checked "{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}".
+constexpr GUID Monta(const char* s) {
+  GUID g{};
+  g.Data1 = static_cast<std::uint32_t>(Campo(s + 1, 8));
+  g.Data2 = static_cast<std::uint16_t>(Campo(s + 10, 4));
+  g.Data3 = static_cast<std::uint16_t>(Campo(s + 15, 4));
+  g.Data4[0] = static_cast<std::uint8_t>(Campo(s + 20, 2));
+  g.Data4[1] = static_cast<std::uint8_t>(Campo(s + 22, 2));
+  for (int i = 0; i < 6; ++i) g.Data4[2 + i] = static_cast<std::uint8_t>(Campo(s + 25 + 2 * i, 2));
+  return g;
+}
 }  // namespace qvguid_detail
 
 // Compile-time identifier from its 38-character registry spelling.
@@ -59,12 +70,5 @@ consteval GUID QVGuid(const char (&s)[39]) {
     }
   }
   if (s[0] != '{' || s[37] != '}') throw "malformed GUID";
-  GUID g{};
-  g.Data1 = static_cast<std::uint32_t>(Campo(s + 1, 8));
-  g.Data2 = static_cast<std::uint16_t>(Campo(s + 10, 4));
-  g.Data3 = static_cast<std::uint16_t>(Campo(s + 15, 4));
-  g.Data4[0] = static_cast<std::uint8_t>(Campo(s + 20, 2));
-  g.Data4[1] = static_cast<std::uint8_t>(Campo(s + 22, 2));
-  for (int i = 0; i < 6; ++i) g.Data4[2 + i] = static_cast<std::uint8_t>(Campo(s + 25 + 2 * i, 2));
-  return g;
+  return Monta(s);
 }

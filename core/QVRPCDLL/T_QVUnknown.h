@@ -57,8 +57,10 @@ class T_QVUnknown : public I {
   // What names the frame in the log, the trace and the statistics.
   struct Identidade {
     IID iid;  // the business interface
-    const char* nomeClasse;  // "CQVGE_Atendimento": business methods are "<classe>::<método>"
-    const char* nomeTemplate;  // "T_QVUnknown<struct IQVGE_Atendimento,class CGeServidorAtendimento>"
+    // "T_QVUnknown<struct IQVGE_Atendimento,class CGeServidorAtendimento>": the
+    // name of the initialisation and generic-function routines; business
+    // methods carry their own ("CQVGE_Atendimento::LeAtendimento").
+    const char* nomeTemplate;
   };
   using FabricaServidor = std::function<std::unique_ptr<S>()>;
 

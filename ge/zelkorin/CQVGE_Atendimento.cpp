@@ -3,8 +3,7 @@
 using S = CGeServidorAtendimento;
 
 const CQVGE_Atendimento::Frame::Identidade CQVGE_Atendimento::kIdentidade{
-    IID_IQVGE_Atendimento, "CQVGE_Atendimento",
-    "T_QVUnknown<struct IQVGE_Atendimento,class CGeServidorAtendimento>"};
+    IID_IQVGE_Atendimento, "T_QVUnknown<struct IQVGE_Atendimento,class CGeServidorAtendimento>"};
 
 CQVGE_Atendimento::CQVGE_Atendimento(Frame::FabricaServidor fabrica) : Frame(kIdentidade, std::move(fabrica)) {}
 

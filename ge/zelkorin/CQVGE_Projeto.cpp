@@ -3,7 +3,7 @@
 using S = CGeProjetoBase;
 
 const CQVGE_Projeto::Frame::Identidade CQVGE_Projeto::kIdentidade{
-    IID_IQVGE_Projeto, "CQVGE_Projeto", "T_QVUnknown<struct IQVGE_Projeto,class CGeProjetoBase>"};
+    IID_IQVGE_Projeto, "T_QVUnknown<struct IQVGE_Projeto,class CGeProjetoBase>"};
 
 CQVGE_Projeto::CQVGE_Projeto(Frame::FabricaServidor fabrica) : Frame(kIdentidade, std::move(fabrica)) {}
 
