@@ -55,6 +55,19 @@ struct QVLocalFonte {
     QV_CHECK_HR(qvHrCheck_, expr);  \
   } while (0)
 
+// The same check with the class's own logger, for classes that name
+// themselves in the log and add named values (a file's name, a position):
+// on failure logger(text of expr, status) is called, then the status is
+// returned. The logger is only evaluated on failure.
+#define QV_CHECK_COM(logger, expr)     \
+  do {                                 \
+    const HRESULT qvHrCom_ = (expr);   \
+    if (FAILED(qvHrCom_)) {            \
+      (logger)(#expr, qvHrCom_);       \
+      return qvHrCom_;                 \
+    }                                  \
+  } while (0)
+
 #define QV_LOGA(expr) QVLogaSeFalhou(QV_LOCAL, #expr, (expr))
 
 #define QV_RETURN(codigo)                        \

@@ -2,6 +2,8 @@
 //
 //   zelkorin sample [--root DIR] [--empresa NOME] [--usuario N] [--sessao N]
 //       runs the sample client session in this process and prints every answer.
+//   zelkorin db header|verify|dump ...
+//       inspects data files without changing them (ComandosDb.h).
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <filesystem>
@@ -10,6 +12,7 @@
 #include "df/qvlibex/QVProfilerLog.h"
 #include "ge/zelkorin/ZelkorinClasses.h"
 #include "suite/hostlink/QVSessaoSuite.h"
+#include "tools/zelkorin/ComandosDb.h"
 #include "tools/zelkorin/SessaoExemplo.h"
 
 namespace {
@@ -36,6 +39,9 @@ int main(int argc, char** argv) {
   sample->add_option("--usuario", opcoes.usuario, "Código do usuário");
   sample->add_option("--sessao", opcoes.numeroSessao, "Número da sessão");
 
+  int codigoSaida = 0;
+  QVRegistraComandosDb(app, &codigoSaida);
+
   CLI11_PARSE(app, argc, argv);
 
   if (*sample) {
@@ -46,5 +52,5 @@ int main(int argc, char** argv) {
     QVRevogaClassesZelkorin();
     return rc;
   }
-  return 0;
+  return codigoSaida;
 }

@@ -1,0 +1,586 @@
+#include "core/qvdatabase/QVFileBase.h"
+
+#include <strings.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cstring>
+#include <vector>
+
+#include "core/qvdatabase/CQVDataBase.h"
+#include "core/qvdatabase/CQVDataBaseUtil.h"
+#include "core/qvdatabase/QVFileCopia.h"
+#include "df/qvlibex/QVCodigos.h"
+#include "df/qvlibex/QVCrc64.h"
+#include "df/qvlibex/QVDatas.h"
+#include "df/qvlibex/QVLog.h"
+#include "platform/QVClock.h"
+#include "platform/QVCodePage.h"
+#include "platform/QVMachineSettings.h"
+#include "platform/QVSystemInfo.h"
+
+namespace {
+
+std::atomic<int> g_tentativasAbertura{500};
+std::atomic<std::uint32_t> g_intervaloAberturaMs{10};
+// The machine-wide header switch: -1 not read yet, 0 headers managed,
+// 1 management switched off.
+std::atomic<int> g_chaveDesabilitaCabecalho{-1};
+
+// Copies of the old content move in pieces of this size while a header is
+// added in front of it.
+constexpr std::size_t kTamanhoPedacoCopia = 4u << 20;
+
+bool IguaisSemCaixa(const std::string& a, const std::string& b) {
+  return a.size() == b.size() && strncasecmp(a.c_str(), b.c_str(), a.size()) == 0;
+}
+
+// The last n bytes of a text (the header keeps the end of long names).
+std::string Ultimos(const std::string& texto, std::size_t n) {
+  return texto.size() <= n ? texto : texto.substr(texto.size() - n);
+}
+
+template <std::size_t N>
+void CopiaTexto(char (&campo)[N], const std::string& texto) {
+  std::memset(campo, 0, N);
+  std::memcpy(campo, texto.data(), std::min(texto.size(), N - 1));
+}
+
+std::string NomeBase(const std::string& path) { return path.substr(path.find_last_of('/') + 1); }
+
+}  // namespace
+
+const char* QVNomeCausaArquivo(int iCausa) {
+  switch (iCausa) {
+    case CFileException::endOfFile: return "eEndOfFile";
+    case CFileException::badSeek: return "eBadSeek";
+    case CFileException::hardIO: return "eHardIO";
+    case CFileException::fileNotFound: return "eFileNotFound";
+    case CFileException::badPath: return "eBadPath";
+    case CFileException::accessDenied: return "eAccessDenied";
+    case CFileException::invalidFile: return "eInvalidFile";
+    case CFileException::directoryFull: return "eDirectoryFull";
+    case CFileException::tooManyOpenFiles: return "eTooManyOpenFiles";
+    case CFileException::sharingViolation: return "eSharingViolation";
+    case CFileException::lockViolation: return "eLockViolation";
+    case CFileException::diskFull: return "eDiskFull";
+    case kQVCausaSomenteLeitura: return "eQVReadOnly";
+    default: return "eQVGenericError";
+  }
+}
+
+int QVCausaDoErroArquivo(std::uint32_t ulErro) {
+  switch (ulErro) {
+    case ERROR_FILE_NOT_FOUND: return CFileException::fileNotFound;
+    case ERROR_PATH_NOT_FOUND:
+    case ERROR_INVALID_NAME:
+    case ERROR_FILENAME_EXCED_RANGE: return CFileException::badPath;
+    case ERROR_TOO_MANY_OPEN_FILES: return CFileException::tooManyOpenFiles;
+    case ERROR_ACCESS_DENIED: return CFileException::accessDenied;
+    case ERROR_INVALID_HANDLE: return CFileException::invalidFile;
+    case ERROR_SHARING_VIOLATION: return CFileException::sharingViolation;
+    case ERROR_LOCK_VIOLATION: return CFileException::lockViolation;
+    case ERROR_DISK_FULL:
+    case ERROR_HANDLE_DISK_FULL: return CFileException::diskFull;
+    case ERROR_HANDLE_EOF: return CFileException::endOfFile;
+    case ERROR_SEEK:
+    case ERROR_NEGATIVE_SEEK: return CFileException::badSeek;
+    case ERROR_WRITE_FAULT:
+    case ERROR_READ_FAULT:
+    case ERROR_GEN_FAILURE: return CFileException::hardIO;
+    case ERROR_WRITE_PROTECT:
+    case ERROR_FILE_READ_ONLY: return kQVCausaSomenteLeitura;
+    default: return kQVCausaErroGenerico;
+  }
+}
+
+namespace {
+
+// The status of a file exception: the operating system's error in status
+// form, or, when it gave none, the error that stands for the cause.
+HRESULT StatusDaExcecao(const CFileException& ex) {
+  if (ex.m_lOsError != 0) return HRESULT_FROM_WIN32(ex.m_lOsError);
+  switch (ex.m_cause) {
+    case CFileException::endOfFile: return HRESULT_FROM_WIN32(ERROR_HANDLE_EOF);
+    case CFileException::badSeek: return HRESULT_FROM_WIN32(ERROR_SEEK);
+    case CFileException::hardIO: return HRESULT_FROM_WIN32(ERROR_GEN_FAILURE);
+    case CFileException::fileNotFound: return HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND);
+    case CFileException::badPath: return HRESULT_FROM_WIN32(ERROR_PATH_NOT_FOUND);
+    case CFileException::accessDenied: return HRESULT_FROM_WIN32(ERROR_ACCESS_DENIED);
+    case CFileException::invalidFile: return HRESULT_FROM_WIN32(ERROR_INVALID_HANDLE);
+    case CFileException::tooManyOpenFiles: return HRESULT_FROM_WIN32(ERROR_TOO_MANY_OPEN_FILES);
+    case CFileException::sharingViolation: return HRESULT_FROM_WIN32(ERROR_SHARING_VIOLATION);
+    case CFileException::lockViolation: return HRESULT_FROM_WIN32(ERROR_LOCK_VIOLATION);
+    case CFileException::diskFull: return HRESULT_FROM_WIN32(ERROR_DISK_FULL);
+    case kQVCausaSomenteLeitura: return HRESULT_FROM_WIN32(ERROR_FILE_READ_ONLY);
+    default: return E_FAIL;
+  }
+}
+
+}  // namespace
+
+CQVFileBase::CQVFileBase(std::string sNomeArquivo, std::uint32_t eModulo)
+    : m_sNomeArquivo(std::move(sNomeArquivo)), m_eModulo(eModulo) {
+  m_ControleCriacaoArquivos.SetModulo(eModulo);
+}
+
+CQVFileBase::~CQVFileBase() {
+  if (EstaInicializado()) QV_LOGA(Finaliza());
+}
+
+void CQVFileBase::DefineTentativasAbertura(int iTentativas, std::uint32_t ulIntervaloMs) {
+  g_tentativasAbertura = std::max(1, iTentativas);
+  g_intervaloAberturaMs = ulIntervaloMs;
+}
+
+void CQVFileBase::RecarregaChaveCabecalho() { g_chaveDesabilitaCabecalho = -1; }
+
+void CQVFileBase::LogaFalha(const char* metodo, int linha, const char* expressao, HRESULT hr,
+                            std::initializer_list<QVParametroLog> extras) const {
+  std::vector<QVParametroLog> parametros{{"m_sNomeArquivo", m_sNomeArquivo}};
+  parametros.insert(parametros.end(), extras.begin(), extras.end());
+  QVLogaFalhaHrEm(NomeClasseLog() + "::" + metodo, FonteLog(), linha, expressao, hr, std::move(parametros));
+}
+
+HRESULT CQVFileBase::Inicializa(CQVDataBase* pDataBase) {
+  m_pDataBase = pDataBase;
+  QV_CHECK_ARQ(CQVInicializador::Inicializa(pDataBase));
+  return S_OK;
+}
+
+HRESULT CQVFileBase::OnInicializa() {
+  QV_CHECK_ARQ(IQVFileBase::OnInicializa());
+  QV_CHECK_ARQ(m_ControleCriacaoArquivos.Inicializa(this));
+  m_hrDuvida = S_OK;
+  return S_OK;
+}
+
+HRESULT CQVFileBase::OnFinaliza() {
+  // The file is closed whatever the flush said; the first failure is kept.
+  const HRESULT hrFlush = Flush(true);
+  if (FAILED(hrFlush)) LogaFalha(__func__, __LINE__, "Flush(true)", hrFlush);
+  FechaArquivo();
+  const HRESULT hr = IQVFileBase::OnFinaliza();
+  return FAILED(hrFlush) ? hrFlush : hr;
+}
+
+void CQVFileBase::SetModulo(std::uint32_t eModulo) {
+  m_eModulo = eModulo;
+  m_ControleCriacaoArquivos.SetModulo(eModulo);
+}
+
+HRESULT CQVFileBase::DesabilitaControleCriacaoArquivos() {
+  QV_CHECK_ARQ(m_ControleCriacaoArquivos.DesabilitaControleCriacaoArquivos());
+  return S_OK;
+}
+
+std::string CQVFileBase::GetDiretorio() const {
+  if (!m_sDiretorio.empty()) return m_sDiretorio;
+  return m_pDataBase != nullptr ? m_pDataBase->GetDiretorio() : std::string();
+}
+
+HRESULT CQVFileBase::GetPathArquivo(std::string* pPath) const {
+  QV_CHECK_ARQ(CQVDataBaseUtil::GetPathArquivo(this, m_sNomeArquivo, pPath));
+  return S_OK;
+}
+
+bool CQVFileBase::ExisteArquivo() const {
+  std::string sPath;
+  return SUCCEEDED(CQVDataBaseUtil::GetPathArquivo(this, m_sNomeArquivo, &sPath)) && QVFileExists(sPath);
+}
+
+bool CQVFileBase::EhArquivoExcluido() const {
+  return IguaisSemCaixa(CQVDataBaseUtil::Extensao(m_sNomeArquivo), "tra") ||
+         IguaisSemCaixa(m_sNomeArquivo, QVDATABASE_NOME_ARQUIVO_CONTROLE_CRIACAO_ARQUIVOS);
+}
+
+bool CQVFileBase::GerenciarCabecalho() const {
+  int chave = g_chaveDesabilitaCabecalho.load();
+  if (chave < 0) {
+    std::uint32_t valor = 0;
+    const HRESULT hr = QVRegQueryMachineDword(kQVChaveMaquina, "QVDataBase_DesabilitaCabecalho", &valor);
+    chave = SUCCEEDED(hr) && valor != 0 ? 1 : 0;
+    g_chaveDesabilitaCabecalho = chave;
+  }
+  return chave == 0 && !EhArquivoExcluido();
+}
+
+// ---- opening ----------------------------------------------------------------
+
+HRESULT CQVFileBase::AbreArquivo() { return AbreArquivo(m_eUltimoModo); }
+
+HRESULT CQVFileBase::AbreArquivo(EQVDataBase_ModoAbertura eModoAbertura) {
+  if (m_pDataBase != nullptr && m_pDataBase->GetSomenteLeitura())
+    eModoAbertura = EQVDataBase_ModoAbertura::eModoLeitura;
+  m_eUltimoModo = eModoAbertura;
+  if (ArquivoAberto()) {
+    if (m_eOpenMode == eModoAbertura) return S_OK;
+    FechaArquivo();
+  }
+
+  std::string sPath;
+  QV_CHECK_ARQ(GetPathArquivo(&sPath));
+  const bool bExiste = QVFileExists(sPath);
+  if (!bExiste && eModoAbertura != EQVDataBase_ModoAbertura::eModoLeituraGravacaoCriacao) return S_OK;
+
+  QV_CHECK_ARQ(m_ControleCriacaoArquivos.GerenciaControleCriacaoArquivos(eModoAbertura),
+               {"(QVUInt) eModoAbertura", std::to_string(static_cast<QVUInt>(eModoAbertura))});
+
+  // A file found under another letter case gets the name the system knows.
+  if (bExiste && eModoAbertura == EQVDataBase_ModoAbertura::eModoLeituraGravacao) {
+    const std::string sEncontrado = QVResolvePathCase(sPath);
+    if (NomeBase(sEncontrado) != m_sNomeArquivo) QV_CHECK_ARQ(QVMoveFile(sEncontrado, sPath));
+  }
+
+  if (!m_pArquivo) m_pArquivo = QVCreateOsFile();
+  const int iTentativas = g_tentativasAbertura.load();
+  bool bAberto = false;
+  int iCausa = kQVCausaErroGenerico;
+  for (int i = 0; i < iTentativas && !bAberto; ++i) {
+    bAberto = m_pArquivo->Open(sPath, static_cast<std::uint32_t>(eModoAbertura));
+    if (bAberto) break;
+    iCausa = QVCausaDoErroArquivo(m_pArquivo->LastError());
+    if (iCausa == CFileException::badPath || iCausa == CFileException::invalidFile) break;
+    if (i + 1 < iTentativas) Sleep(g_intervaloAberturaMs.load());
+  }
+  if (!bAberto) {
+    CFileException ex = ExcecaoDoArquivo(kQVCausaErroGenerico);
+    // Access denied on a file with the read-only attribute is reported as such.
+    if (iCausa == CFileException::accessDenied && QVIsReadOnly(sPath)) {
+      ex.m_cause = kQVCausaSomenteLeitura;
+      ex.m_lOsError = static_cast<std::int32_t>(ERROR_FILE_READ_ONLY);
+    }
+    QV_CHECK_ARQ(CatchInicializacao(ex), {"sPathArquivo", sPath});
+  }
+
+  m_eOpenMode = eModoAbertura;
+  m_bCabecalhoExaminado = false;
+  m_bPossuiCabecalho = false;
+  const HRESULT hr = GerenciaCabecalho();
+  if (FAILED(hr)) {
+    FechaArquivo();
+    LogaFalha(__func__, __LINE__, "GerenciaCabecalho()", hr);
+    return hr;
+  }
+  return S_OK;
+}
+
+void CQVFileBase::FechaArquivo() {
+  if (m_pArquivo) m_pArquivo->Close();
+  m_eOpenMode = EQVDataBase_ModoAbertura::eModoFechado;
+  m_bCabecalhoExaminado = false;
+  m_bPossuiCabecalho = false;
+}
+
+// ---- the header -------------------------------------------------------------
+
+bool CQVFileBase::PossuiCabecalho() {
+  if (m_bCabecalhoExaminado) return m_bPossuiCabecalho;
+  if (EhArquivoExcluido() || !ArquivoAberto()) return false;
+  m_bCabecalhoExaminado = true;
+  m_bPossuiCabecalho = false;
+  QVUInt uiTamanho = 0;
+  if (FAILED(TamanhoArquivo(&uiTamanho)) || uiTamanho < kQVTamanhoPreambulo) return false;
+  QVPreambuloArquivo p;
+  if (FAILED(LeAbsoluto(0, &p, sizeof p))) return false;
+  const auto* bytes = reinterpret_cast<const unsigned char*>(&p);
+  m_bPossuiCabecalho = p.usVersaoCabecalho != 0 && p.uiVerificacao1 == QVCrc64(bytes, 2) &&
+                       p.uiVerificacao2 == QVCrc64(bytes + 8, 8);
+  if (m_bPossuiCabecalho) m_Preambulo = p;
+  return m_bPossuiCabecalho;
+}
+
+QVUInt CQVFileBase::GetSeekCabecalho() {
+  return PossuiCabecalho() && m_Preambulo.usVersaoCabecalho == kQVVersaoCabecalho ? kQVTamanhoBlocoCabecalho : 0;
+}
+
+HRESULT CQVFileBase::GerenciaCabecalho() {
+  if (!GerenciarCabecalho() || !ArquivoAberto()) return S_OK;
+  if (PossuiCabecalho()) {
+    QV_CHECK_ARQ(ValidaCabecalho());
+  } else if (QVModoGravacao(m_eOpenMode)) {
+    // A read-only open reads a file without header as it is; it gets its
+    // header at its next open for writing.
+    QV_CHECK_ARQ(CriaCabecalho());
+  }
+  return S_OK;
+}
+
+HRESULT CQVFileBase::ValidaCabecalho() {
+  QVPreambuloArquivo p;
+  QV_CHECK_ARQ(LeAbsoluto(0, &p, sizeof p));
+  if (p.usVersaoCabecalho != kQVVersaoCabecalho)
+    QV_RETURN_ARQ(E_QVCR_VERSAO_CABECALHO_SUPERIOR_VERSAO_SISTEMA,
+                  {"usVersaoCabecalho", std::to_string(p.usVersaoCabecalho)});
+  m_Preambulo = p;
+  QV_CHECK_ARQ(ValidaCabecalhoV01());
+  return S_OK;
+}
+
+HRESULT CQVFileBase::ValidaCabecalhoV01() {
+  QVCabecalhoArquivo c;
+  QV_CHECK_ARQ(LeAbsoluto(kQVTamanhoPreambulo, &c, sizeof c));
+  if (c.uiTamanhoCabecalho != kQVTamanhoCabecalho) QV_RETURN_ARQ(E_QVCR_TAMANHO_CABECALHO_NAO_CONFERE);
+  if (c.uiVerificacaoCabecalho != QVCrc64(&c, kQVBytesCrcCabecalho)) QV_RETURN_ARQ(E_QVCR_CRC_CABECALHO_NAO_CONFERE);
+  QVUInt uiTamanho = 0;
+  QV_CHECK_ARQ(TamanhoArquivo(&uiTamanho));
+  if (uiTamanho < kQVTamanhoBlocoCabecalho || c.uiTamanhoDados != uiTamanho - kQVTamanhoBlocoCabecalho)
+    QV_RETURN_ARQ(E_QVCR_TAMANHO_ARQUIVO_NAO_CONFERE, {"uiTamanhoDados", std::to_string(c.uiTamanhoDados)},
+                  {"GetLength", std::to_string(uiTamanho)});
+  if (c.usVersaoSistemaCriacao > kQVVersaoSistema) QV_RETURN_ARQ(E_QVCR_VERSAO_SISTEMA_INFERIOR_VERSAO_CRIACAO_CABECALHO);
+  if (c.usVersaoSistemaAtualizacao > kQVVersaoSistema)
+    QV_RETURN_ARQ(E_QVCR_VERSAO_SISTEMA_INFERIOR_VERSAO_MODIFICACAO_ARQUIVO);
+  const std::string sEsperado = Ultimos(QVUtf8ToAnsi(m_sNomeArquivo), kQVMaxTextoCabecalho);
+  if (strncasecmp(c.szNomeArquivo, sEsperado.c_str(), sizeof c.szNomeArquivo) != 0)
+    QV_RETURN_ARQ(E_QVCR_NOME_ARQUIVO_NAO_CONFERE, {"szNomeArquivo", QVAnsiToUtf8(QVLeCampoTexto(c.szNomeArquivo))});
+  m_Cabecalho = c;
+  return S_OK;
+}
+
+void CQVFileBase::PreencheTextos(bool bCriacao) {
+  const std::string sEmpresa = Ultimos(QVUtf8ToAnsi(GetEmpresa()), kQVMaxTextoCabecalho);
+  const std::string sComputador = QVComputerName();
+  const std::int64_t agora = QVDataHoraAgora();
+  if (bCriacao) {
+    CopiaTexto(m_Cabecalho.szEmpresa, sEmpresa);
+    CopiaTexto(m_Cabecalho.szComputador, sComputador);
+    return;
+  }
+  if (std::strncmp(m_Cabecalho.szEmpresa, sEmpresa.c_str(), sizeof m_Cabecalho.szEmpresa) != 0) {
+    std::memcpy(m_Cabecalho.szEmpresaAnterior, m_Cabecalho.szEmpresa, sizeof m_Cabecalho.szEmpresa);
+    CopiaTexto(m_Cabecalho.szEmpresa, sEmpresa);
+    m_Cabecalho.iAlteracaoEmpresa = agora;
+  }
+  if (std::strncmp(m_Cabecalho.szComputador, sComputador.c_str(), sizeof m_Cabecalho.szComputador) != 0) {
+    std::memcpy(m_Cabecalho.szComputadorAnterior, m_Cabecalho.szComputador, sizeof m_Cabecalho.szComputador);
+    CopiaTexto(m_Cabecalho.szComputador, sComputador);
+    m_Cabecalho.iAlteracaoComputador = agora;
+  }
+}
+
+HRESULT CQVFileBase::GeraDadosCabecalho() {
+  QVUInt uiTamanho = 0;
+  QV_CHECK_ARQ(TamanhoArquivo(&uiTamanho));
+  std::memset(&m_Preambulo, 0, sizeof m_Preambulo);
+  std::memset(&m_Cabecalho, 0, sizeof m_Cabecalho);
+  m_Preambulo.usVersaoCabecalho = kQVVersaoCabecalho;
+  const auto* bytes = reinterpret_cast<const unsigned char*>(&m_Preambulo);
+  m_Preambulo.uiVerificacao1 = QVCrc64(bytes, 2);
+  m_Preambulo.uiVerificacao2 = QVCrc64(bytes + 8, 8);
+  const std::int64_t agora = QVDataHoraAgora();
+  m_Cabecalho.iUltimaAtualizacao = agora;
+  m_Cabecalho.iCriacao = agora;
+  m_Cabecalho.iCriacaoCopia = agora;
+  m_Cabecalho.uiTamanhoCabecalho = kQVTamanhoCabecalho;
+  // The content that is there now is what will sit behind the header.
+  m_Cabecalho.uiTamanhoDados = uiTamanho;
+  m_Cabecalho.uiNumeroSessao = GetNumeroSessao();
+  m_Cabecalho.ulUsuario = GetUsuario();
+  m_Cabecalho.usVersaoArquivo = 1;
+  m_Cabecalho.usVersaoSistemaCriacao = kQVVersaoSistema;
+  m_Cabecalho.usVersaoSistemaAtualizacao = kQVVersaoSistema;
+  CopiaTexto(m_Cabecalho.szNomeArquivo, Ultimos(QVUtf8ToAnsi(m_sNomeArquivo), kQVMaxTextoCabecalho));
+  PreencheTextos(true);
+  m_Cabecalho.uiVerificacaoCabecalho = QVCrc64(&m_Cabecalho, kQVBytesCrcCabecalho);
+  m_bCabecalhoExaminado = true;
+  m_bPossuiCabecalho = true;
+  return S_OK;
+}
+
+HRESULT CQVFileBase::CriaCabecalho() {
+  QVUInt uiTamanho = 0;
+  QV_CHECK_ARQ(TamanhoArquivo(&uiTamanho));
+  QV_CHECK_ARQ(GeraDadosCabecalho());
+  unsigned char bloco[kQVTamanhoBlocoCabecalho];
+  std::memcpy(bloco, &m_Preambulo, kQVTamanhoPreambulo);
+  std::memcpy(bloco + kQVTamanhoPreambulo, &m_Cabecalho, kQVTamanhoCabecalho);
+
+  if (uiTamanho == 0) {
+    HRESULT hr = GravaAbsoluto(0, bloco, sizeof bloco);
+    if (SUCCEEDED(hr) && !m_pArquivo->Flush()) hr = CatchInicializacao(ExcecaoDoArquivo(CFileException::hardIO));
+    if (FAILED(hr)) {
+      m_bCabecalhoExaminado = false;
+      LogaFalha(__func__, __LINE__, "GravaAbsoluto(0, bloco, sizeof bloco)", hr);
+    }
+    return hr;
+  }
+
+  // The old content moves behind the new block through a temporary copy,
+  // which then takes the file's place: an interruption leaves either the
+  // old file or the new one, plus at most a ".tra" file to be looked at.
+  m_bCabecalhoExaminado = false;
+  CQVDataBase qvDB(m_eModulo);
+  qvDB.SetDiretorio(GetDiretorio());
+  QV_CHECK_ARQ(qvDB.Inicializa(this));
+  CQVFileCopia qvFileDestino(CQVDataBaseUtil::NomeArquivoTRA(m_sNomeArquivo), m_eModulo);
+  QV_CHECK_ARQ(qvFileDestino.Inicializa(&qvDB));
+  if (qvFileDestino.ExisteArquivo()) QV_RETURN_ARQ(E_QVCR_ARQUIVO_TRA_ENCONTRADO);
+  QV_CHECK_ARQ(qvFileDestino.AbreArquivo(EQVDataBase_ModoAbertura::eModoLeituraGravacaoCriacao));
+  QV_CHECK_ARQ(qvFileDestino.GravaDados(0, bloco, sizeof bloco));
+  std::vector<unsigned char> pedaco(static_cast<std::size_t>(std::min<QVUInt>(uiTamanho, kTamanhoPedacoCopia)));
+  for (QVUInt uiLido = 0; uiLido < uiTamanho;) {
+    const auto n = static_cast<std::size_t>(std::min<QVUInt>(uiTamanho - uiLido, pedaco.size()));
+    QV_CHECK_ARQ(LeAbsoluto(uiLido, pedaco.data(), n));
+    QV_CHECK_ARQ(qvFileDestino.GravaDados(CQVFileBase::kQVFimDados, pedaco.data(), n));
+    uiLido += n;
+  }
+  QV_CHECK_ARQ(qvFileDestino.Finaliza());
+  const EQVDataBase_ModoAbertura eModo = m_eOpenMode;
+  FechaArquivo();
+  QV_CHECK_ARQ(CQVDataBaseUtil::RenomeiaArquivoTRA(this, m_eModulo, m_sNomeArquivo));
+  QV_CHECK_ARQ(AbreArquivo(eModo));
+  return S_OK;
+}
+
+HRESULT CQVFileBase::AtualizaCabecalho() {
+  if (!GerenciarCabecalho() || !PossuiCabecalho()) return S_OK;
+  QVUInt uiTamanho = 0;
+  QV_CHECK_ARQ(TamanhoArquivo(&uiTamanho));
+  m_Cabecalho.iUltimaAtualizacao = QVDataHoraAgora();
+  m_Cabecalho.uiTamanhoDados = uiTamanho - kQVTamanhoBlocoCabecalho;
+  if (m_Cabecalho.uiContadorAtualizacoes == ~std::uint64_t{0}) {
+    m_Cabecalho.uiContadorAtualizacoes = 0;
+    ++m_Cabecalho.usContadorVoltas;
+  } else {
+    ++m_Cabecalho.uiContadorAtualizacoes;
+  }
+  m_Cabecalho.uiNumeroSessao = GetNumeroSessao();
+  m_Cabecalho.ulUsuario = GetUsuario();
+  m_Cabecalho.usVersaoSistemaAtualizacao = kQVVersaoSistema;
+  PreencheTextos(false);
+  m_Cabecalho.uiVerificacaoCabecalho = QVCrc64(&m_Cabecalho, kQVBytesCrcCabecalho);
+  QV_CHECK_ARQ(GravaAbsoluto(kQVTamanhoPreambulo, &m_Cabecalho, sizeof m_Cabecalho));
+  return S_OK;
+}
+
+HRESULT CQVFileBase::GravaVersaoArquivo(std::uint16_t usVersaoArquivo) {
+  if (!GerenciarCabecalho()) return S_OK;
+  QV_CHECK_ARQ(AbreArquivo(EQVDataBase_ModoAbertura::eModoLeituraGravacaoCriacao));
+  m_Cabecalho.usVersaoArquivo = usVersaoArquivo;
+  QV_CHECK_ARQ(Flush());
+  return S_OK;
+}
+
+HRESULT CQVFileBase::Flush(bool bFinal) {
+  if (!ArquivoAberto() || !QVModoGravacao(m_eOpenMode)) return S_OK;
+  if (FAILED(m_hrDuvida)) {
+    // A file in doubt keeps its old header: see invariant 3.
+    m_pArquivo->Flush();
+    return m_hrDuvida;
+  }
+  const bool bAdiado = m_pDataBase != nullptr && m_pDataBase->GetAtualizacaoCabecalhoAdiada();
+  if (bFinal == bAdiado) QV_CHECK_ARQ(AtualizaCabecalho());
+  if (!m_pArquivo->Flush()) QV_CHECK_ARQ(CatchInicializacao(ExcecaoDoArquivo(CFileException::hardIO)));
+  return S_OK;
+}
+
+HRESULT CQVFileBase::DeletaArquivo() {
+  const CQVProfilerEmpresa identidade(GetEmpresa(), GetUsuario(), GetNumeroSessao());
+  QV_CHECK_ARQ(Finaliza());
+  QV_CHECK_ARQ(CQVDataBaseUtil::DeletaArquivo(this, m_eModulo, m_sNomeArquivo,
+                                              EQVDataBase_DeletaArquivoFlag::eRemoverDoControleCriacaoArquivosInMemory));
+  if (m_pDataBase != nullptr) {
+    QV_CHECK_ARQ(Inicializa(m_pDataBase));
+  } else {
+    QV_CHECK_ARQ(Inicializa(&identidade));
+  }
+  return S_OK;
+}
+
+// ---- file exceptions ----------------------------------------------------------
+
+CFileException CQVFileBase::ExcecaoDoArquivo(int iCausaPadrao) const {
+  const std::uint32_t ulErro = m_pArquivo ? m_pArquivo->LastError() : ERROR_INVALID_HANDLE;
+  const int iCausa = ulErro != 0 ? QVCausaDoErroArquivo(ulErro) : iCausaPadrao;
+  std::string sPath;
+  (void)GetPathArquivo(&sPath);
+  return CFileException(iCausa, static_cast<std::int32_t>(ulErro), sPath);
+}
+
+HRESULT CQVFileBase::CatchGravacao(const CFileException& ex) {
+  const HRESULT hr = StatusDaExcecao(ex);
+  LogaFalha(__func__, __LINE__, "pEx", hr,
+            {{"m_cause", QVNomeCausaArquivo(ex.m_cause)}, {"m_lOsError", std::to_string(ex.m_lOsError)}});
+  return hr;
+}
+
+HRESULT CQVFileBase::CatchInicializacao(const CFileException& ex) {
+  const HRESULT hr = StatusDaExcecao(ex);
+  LogaFalha(__func__, __LINE__, "pEx", hr,
+            {{"m_cause", QVNomeCausaArquivo(ex.m_cause)}, {"m_lOsError", std::to_string(ex.m_lOsError)}});
+  return hr;
+}
+
+bool CQVFileBase::EhUmaExcecaoFatal(const CFileException& ex) const { return ex.m_cause != CFileException::endOfFile; }
+
+// ---- data access ----------------------------------------------------------------
+
+HRESULT CQVFileBase::TamanhoArquivo(QVUInt* puiTamanho) {
+  if (!ArquivoAberto()) {
+    *puiTamanho = 0;
+    return S_OK;
+  }
+  std::uint64_t u = 0;
+  if (!m_pArquivo->GetLength(&u)) return CatchInicializacao(ExcecaoDoArquivo(CFileException::hardIO));
+  *puiTamanho = u;
+  return S_OK;
+}
+
+HRESULT CQVFileBase::LeAbsoluto(QVUInt uiOffset, void* pBuffer, std::size_t n) {
+  if (!ArquivoAberto()) return CatchInicializacao(CFileException(CFileException::invalidFile, 0, m_sNomeArquivo));
+  if (!m_pArquivo->Seek(uiOffset)) return CatchInicializacao(ExcecaoDoArquivo(CFileException::badSeek));
+  auto* p = static_cast<unsigned char*>(pBuffer);
+  while (n > 0) {
+    std::size_t lido = 0;
+    if (!m_pArquivo->Read(p, n, &lido)) return CatchInicializacao(ExcecaoDoArquivo(CFileException::hardIO));
+    if (lido == 0) return CatchInicializacao(CFileException(CFileException::endOfFile, 0, m_sNomeArquivo));
+    p += lido;
+    n -= lido;
+  }
+  return S_OK;
+}
+
+HRESULT CQVFileBase::GravaAbsoluto(QVUInt uiOffset, const void* pBuffer, std::size_t n) {
+  if (!ArquivoAberto()) return CatchGravacao(CFileException(CFileException::invalidFile, 0, m_sNomeArquivo));
+  if (!m_pArquivo->Seek(uiOffset)) return CatchGravacao(ExcecaoDoArquivo(CFileException::badSeek));
+  if (!m_pArquivo->Write(pBuffer, n)) return CatchGravacao(ExcecaoDoArquivo(CFileException::hardIO));
+  return S_OK;
+}
+
+HRESULT CQVFileBase::LeDados(QVUInt uiOffset, void* pBuffer, std::size_t n) {
+  return LeAbsoluto(GetSeekCabecalho() + uiOffset, pBuffer, n);
+}
+
+HRESULT CQVFileBase::GravaDados(QVUInt uiOffset, const void* pBuffer, std::size_t n, QVUInt* puiOffset) {
+  const QVUInt uiSeek = GetSeekCabecalho();
+  QVUInt uiAbsoluto = uiSeek + uiOffset;
+  if (uiOffset == kQVFimDados) QV_CHECK_ARQ(TamanhoArquivo(&uiAbsoluto));
+  QV_CHECK_ARQ(GravaAbsoluto(uiAbsoluto, pBuffer, n));
+  if (puiOffset != nullptr) *puiOffset = uiAbsoluto - uiSeek;
+  return S_OK;
+}
+
+HRESULT CQVFileBase::TamanhoDados(QVUInt* puiTamanho) {
+  QVUInt u = 0;
+  QV_CHECK_ARQ(TamanhoArquivo(&u));
+  const QVUInt uiSeek = GetSeekCabecalho();
+  *puiTamanho = u > uiSeek ? u - uiSeek : 0;
+  return S_OK;
+}
+
+HRESULT CQVFileBase::TruncaDados(QVUInt uiTamanho) {
+  if (!ArquivoAberto()) return CatchGravacao(CFileException(CFileException::invalidFile, 0, m_sNomeArquivo));
+  if (!m_pArquivo->SetLength(GetSeekCabecalho() + uiTamanho))
+    return CatchGravacao(ExcecaoDoArquivo(CFileException::hardIO));
+  return S_OK;
+}
+
+HRESULT CQVFileBase::PodeGravar() {
+  if (FAILED(m_hrDuvida)) return m_hrDuvida;
+  if (!ArquivoAberto() || !QVModoGravacao(m_eOpenMode)) return HRESULT_FROM_WIN32(ERROR_ACCESS_DENIED);
+  return S_OK;
+}
+
+void CQVFileBase::MarcaDuvida(HRESULT hr) {
+  if (SUCCEEDED(m_hrDuvida)) m_hrDuvida = hr;
+}

@@ -1,0 +1,124 @@
+// The administrators' commands read and report; they never change a file.
+#include "tools/zelkorin/ComandosDb.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+#include "core/qvdatabase/QVFileRegistros.h"
+#include "core/qvdatabase/QVTextFile.h"
+#include "platform/QVCodePage.h"
+#include "suite/hostlink/QVSessaoSuite.h"
+#include "tests/support/QVTestSupport.h"
+#include "tests/support/QVTesteArquivos.h"
+
+namespace {
+
+class ComandosDbTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    m_Dir = QVTesteNovoDiretorio("db");
+    {
+      CQVFileRegistros atendimentos("GEATTEC2202007.dat", QV_GE, 512, "REG_ATENDIMENTO_V2");
+      atendimentos.SetDiretorio(m_Dir);
+      ASSERT_EQ(atendimentos.Inicializa(&QVTesteIdentidade()), S_OK);
+      std::string dois(1024, 'a');
+      QVUInt pos = 0;
+      ASSERT_EQ(atendimentos.GravaRegistros(pos, dois.data(), 2), S_OK);
+      CQVTextFile textos("GeAtStrV1.dat", QV_GE);
+      textos.SetDiretorio(m_Dir);
+      ASSERT_EQ(textos.Inicializa(&QVTesteIdentidade()), S_OK);
+      pos = 0;
+      ASSERT_EQ(textos.GravaColecao(pos, {QVUtf8ToAnsi("Ação"), "segundo"}), S_OK);  // texts are in the 8-bit code page
+    }
+    QVTesteGravaBytes(Caminho("LEGADO.dat"), "sem cabecalho");
+  }
+
+  std::string Caminho(const std::string& nome) const { return m_Dir + "/" + nome; }
+
+  std::map<std::string, std::string> Conteudos() const {
+    std::map<std::string, std::string> m;
+    for (const auto& e : std::filesystem::directory_iterator(m_Dir)) m[e.path().string()] = QVTesteBytes(e.path());
+    return m;
+  }
+
+  std::string m_Dir;
+  std::ostringstream m_Out, m_Err;
+};
+
+}  // namespace
+
+TEST_F(ComandosDbTest, VerifyDeUmDiretorio) {
+  // One file damaged behind the program's back.
+  QVTesteGravaBytes(Caminho("GEATSRVV3202007.dat"), QVTesteBytes(Caminho("GEATTEC2202007.dat")));
+  const auto antes = Conteudos();
+  EXPECT_EQ(QVComandoDbVerify({m_Dir}, std::nullopt, m_Out, m_Err), 1);
+  const std::string saida = m_Out.str();
+  EXPECT_NE(saida.find("GEATTEC2202007.dat: OK (com cabeçalho; 1024 bytes de dados; 2 registros de 512 bytes)"),
+            std::string::npos)
+      << saida;
+  EXPECT_NE(saida.find("GeAtStrV1.dat: OK (com cabeçalho; 19 bytes de dados; 2 textos)"), std::string::npos) << saida;
+  EXPECT_NE(saida.find("LEGADO.dat: OK (sem cabeçalho; 13 bytes de dados)"), std::string::npos) << saida;
+  EXPECT_NE(saida.find("GEATSRVV3202007.dat: E_QVCR_NOME_ARQUIVO_NAO_CONFERE 0x81080A43"), std::string::npos) << saida;
+  EXPECT_EQ(Conteudos(), antes);  // not even the file without header got one
+
+  // All good: exit 0. A size given on the command line is used for every file.
+  std::filesystem::remove(Caminho("GEATSRVV3202007.dat"));
+  std::filesystem::remove(Caminho("LEGADO.dat"));
+  std::filesystem::remove(Caminho("GeAtStrV1.dat"));
+  m_Out.str("");
+  EXPECT_EQ(QVComandoDbVerify({m_Dir}, std::nullopt, m_Out, m_Err), 0) << m_Out.str();
+  m_Out.str("");
+  EXPECT_EQ(QVComandoDbVerify({Caminho("GEATTEC2202007.dat")}, 300, m_Out, m_Err), 1);
+  EXPECT_NE(m_Out.str().find("E_QVCR_ARQUIVO_NAO_EH_MOD_ESTRUTURA"), std::string::npos) << m_Out.str();
+}
+
+TEST_F(ComandosDbTest, VerifyDeArquivosDanificados) {
+  std::string b = QVTesteBytes(Caminho("GEATTEC2202007.dat"));
+  QVTesteGravaBytes(Caminho("GEATTEC2202007.dat"), b + "x");  // bytes appended
+  std::string t = QVTesteBytes(Caminho("GeAtStrV1.dat"));
+  t[240] = 100;  // the first text's count now runs past the end
+  QVTesteGravaBytes(Caminho("GeAtStrV1.dat"), t);
+  QVTesteAlteraCabecalho(Caminho("GeAtStrV1.dat"), [](QVCabecalhoArquivo&) {});
+  EXPECT_EQ(QVComandoDbVerify({Caminho("GEATTEC2202007.dat"), Caminho("GeAtStrV1.dat"), Caminho("NADA.dat")},
+                              std::nullopt, m_Out, m_Err),
+            1);
+  const std::string saida = m_Out.str();
+  EXPECT_NE(saida.find("GEATTEC2202007.dat: E_QVCR_TAMANHO_ARQUIVO_NAO_CONFERE 0x81080C08"), std::string::npos);
+  EXPECT_NE(saida.find("GeAtStrV1.dat: E_QVCR_ARQUIVO_TEXTO_QUANTIDADE_CARACTERES_INVALIDA 0x81080C5E"),
+            std::string::npos);
+  EXPECT_NE(saida.find("NADA.dat: E_QVCR_ARQUIVO_NAO_EXISTE"), std::string::npos) << saida;
+}
+
+TEST_F(ComandosDbTest, HeaderEmJson) {
+  ASSERT_EQ(QVComandoDbHeader(Caminho("GEATTEC2202007.dat"), m_Out, m_Err), 0);
+  const auto j = nlohmann::json::parse(m_Out.str());
+  EXPECT_TRUE(j["possuiCabecalho"].get<bool>());
+  EXPECT_EQ(j["cabecalho"]["tamanhoDados"], 1024);
+  EXPECT_TRUE(j["cabecalho"]["tamanhoDadosConfere"].get<bool>());
+  EXPECT_TRUE(j["cabecalho"]["verificacaoConfere"].get<bool>());
+  EXPECT_EQ(j["cabecalho"]["nomeArquivo"], "GEATTEC2202007.dat");
+  EXPECT_EQ(j["cabecalho"]["empresa"], "EMPRESA_TESTE");
+  EXPECT_EQ(j["cabecalho"]["versaoSistemaCriacao"], 118);
+  EXPECT_EQ(j["cabecalho"]["criacao"].get<std::string>().size(), 23u);  // "YYYY-MM-DD HH:MM:SS.mmm"
+
+  m_Out.str("");
+  ASSERT_EQ(QVComandoDbHeader(Caminho("LEGADO.dat"), m_Out, m_Err), 0);
+  EXPECT_FALSE(nlohmann::json::parse(m_Out.str())["possuiCabecalho"].get<bool>());
+  EXPECT_EQ(QVComandoDbHeader(Caminho("NADA.dat"), m_Out, m_Err), 1);
+}
+
+TEST_F(ComandosDbTest, DumpDeRegistrosEDeTextos) {
+  const auto antes = Conteudos();
+  ASSERT_EQ(QVComandoDbDump(Caminho("GeAtStrV1.dat"), std::nullopt, true, m_Out, m_Err), 0) << m_Err.str();
+  EXPECT_EQ(m_Out.str(), "1\t4\tAção\n2\t7\tsegundo\n");
+  m_Out.str("");
+  ASSERT_EQ(QVComandoDbDump(Caminho("GEATTEC2202007.dat"), 512, false, m_Out, m_Err), 0);
+  EXPECT_NE(m_Out.str().find("posição 2\n  0000  61 61 61"), std::string::npos) << m_Out.str().substr(0, 200);
+  EXPECT_EQ(QVComandoDbDump(Caminho("GEATTEC2202007.dat"), 500, false, m_Out, m_Err), 1);  // not whole records
+  EXPECT_EQ(QVComandoDbDump(Caminho("GEATTEC2202007.dat"), std::nullopt, false, m_Out, m_Err), 2);
+  EXPECT_EQ(Conteudos(), antes);
+}
