@@ -575,6 +575,14 @@ HRESULT CQVFileBase::TruncaDados(QVUInt uiTamanho) {
   return S_OK;
 }
 
+HRESULT CQVFileBase::AbreParaCarga(bool* pbExiste, QVUInt* puiTamanho) {
+  *puiTamanho = 0;
+  QV_CHECK_ARQ(AbreArquivo(EQVDataBase_ModoAbertura::eModoLeituraGravacao));
+  *pbExiste = ArquivoAberto();
+  if (*pbExiste) QV_CHECK_ARQ(TamanhoDados(puiTamanho));
+  return S_OK;
+}
+
 HRESULT CQVFileBase::PodeGravar() {
   if (FAILED(m_hrDuvida)) return m_hrDuvida;
   if (!ArquivoAberto() || !QVModoGravacao(m_eOpenMode)) return HRESULT_FROM_WIN32(ERROR_ACCESS_DENIED);

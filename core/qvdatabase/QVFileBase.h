@@ -142,6 +142,9 @@ class CQVFileBase : public IQVFileBase {
   [[nodiscard]] HRESULT GravaDados(QVUInt uiOffset, const void* pBuffer, std::size_t n, QVUInt* puiOffset = nullptr);
   [[nodiscard]] HRESULT TamanhoDados(QVUInt* puiTamanho);
   [[nodiscard]] HRESULT TruncaDados(QVUInt uiTamanho);
+  // The open of a whole-file load (read and write; an absent file stays
+  // closed): whether the file exists and its data length (0 when absent).
+  [[nodiscard]] HRESULT AbreParaCarga(bool* pbExiste, QVUInt* puiTamanho);
   // Whether writing is allowed now: open for writing and not in doubt.
   [[nodiscard]] HRESULT PodeGravar();
   // Called by a derived class when restoring after a failed write failed too.

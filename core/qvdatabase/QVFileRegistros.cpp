@@ -53,12 +53,8 @@ HRESULT CQVFileRegistros::OnInicializa() {
   m_bAlteradoEmMemoria = false;
   for (Indice& i : m_Indices) i.clear();
   QV_CHECK_ARQ(CQVFileBase::OnInicializa());
-  QV_CHECK_ARQ(AbreArquivo(EQVDataBase_ModoAbertura::eModoLeituraGravacao));
-  m_bArquivoExiste = ArquivoAberto();
-  if (!m_bArquivoExiste) return S_OK;
-
   QVUInt uiTamanho = 0;
-  QV_CHECK_ARQ(TamanhoDados(&uiTamanho));
+  QV_CHECK_ARQ(AbreParaCarga(&m_bArquivoExiste, &uiTamanho));
   if (uiTamanho % m_tamRegistro != 0) {
     QVEscreveLinhaErroTexto(QVSinkAtual(), NomeClasseLog() + "::OnInicializa", FonteLog(), __LINE__,
                             QVFormataFalhaArquivoTamanho(E_QVCR_ARQUIVO_NAO_EH_MOD_ESTRUTURA, m_sNomeArquivo, 0, 0,
@@ -179,47 +175,50 @@ void CQVFileRegistros::AtualizaIndex(QVUInt uiPosicao, const unsigned char* pReg
       IncluiIndex(idx, m_Descritores[idx].chave(pRegistros + i * m_tamRegistro, idx), uiPosicao + i);
 }
 
-HRESULT CQVFileRegistros::ExisteIndex(QVUInt uiColunaIndexacao, std::uint64_t uiChave, bool* pbExiste,
-                                      std::vector<QVUInt>* plistaPosicao) {
-  std::lock_guard lock(m_mutex);
-  *pbExiste = false;
-  if (plistaPosicao != nullptr) plistaPosicao->clear();
+HRESULT CQVFileRegistros::ProcuraIndex(QVUInt uiColunaIndexacao, std::uint64_t uiChave,
+                                       const std::vector<QVUInt>** ppPosicoes) {
+  *ppPosicoes = nullptr;
   if (uiColunaIndexacao >= m_Descritores.size())
     QV_RETURN_ARQ(E_QVCR_COLUNA_INDEXACAO_INVALIDA, {"uiColunaIndexacao", Num(uiColunaIndexacao)});
   ConstroiIndices();
   const Indice& indice = m_Indices[uiColunaIndexacao];
   const auto it = indice.find(uiChave);
   if (it == indice.end()) return S_OK;
+  // A key with no position would be a broken index: answered as such, on purpose.
   if (it->second.empty())
     QV_RETURN_ARQ(E_QVCR_COLUNA_INDEXACAO_INVALIDA, {"uiColunaIndexacao", Num(uiColunaIndexacao)},
                   {"uiChave", Num(uiChave)});
-  *pbExiste = true;
-  if (plistaPosicao != nullptr) *plistaPosicao = it->second;
+  *ppPosicoes = &it->second;
   return S_OK;
 }
 
+HRESULT CQVFileRegistros::ExisteIndex(QVUInt uiColunaIndexacao, std::uint64_t uiChave, bool* pbExiste,
+                                      std::vector<QVUInt>* plistaPosicao) {
+  std::lock_guard lock(m_mutex);
+  const std::vector<QVUInt>* pPosicoes = nullptr;
+  const HRESULT hr = ProcuraIndex(uiColunaIndexacao, uiChave, &pPosicoes);
+  *pbExiste = pPosicoes != nullptr;
+  if (plistaPosicao != nullptr) {
+    if (pPosicoes != nullptr)
+      *plistaPosicao = *pPosicoes;
+    else
+      plistaPosicao->clear();
+  }
+  return hr;
+}
+
 HRESULT CQVFileRegistros::ExisteIndex(QVUInt uiColunaIndexacao, std::uint64_t uiChave, bool* pbExiste) {
-  QV_CHECK_ARQ(ExisteIndex(uiColunaIndexacao, uiChave, pbExiste, static_cast<std::vector<QVUInt>*>(nullptr)));
-  return S_OK;
+  return ExisteIndex(uiColunaIndexacao, uiChave, pbExiste, static_cast<std::vector<QVUInt>*>(nullptr));
 }
 
 HRESULT CQVFileRegistros::ExisteIndex(QVUInt uiColunaIndexacao, std::uint64_t uiChave, bool* pbExiste,
                                       QVUInt* puiPosicaoIndex) {
   std::lock_guard lock(m_mutex);
-  *puiPosicaoIndex = 0;
-  *pbExiste = false;
-  if (uiColunaIndexacao >= m_Descritores.size())
-    QV_RETURN_ARQ(E_QVCR_COLUNA_INDEXACAO_INVALIDA, {"uiColunaIndexacao", Num(uiColunaIndexacao)});
-  ConstroiIndices();
-  const Indice& indice = m_Indices[uiColunaIndexacao];
-  const auto it = indice.find(uiChave);
-  if (it == indice.end()) return S_OK;
-  if (it->second.empty())
-    QV_RETURN_ARQ(E_QVCR_COLUNA_INDEXACAO_INVALIDA, {"uiColunaIndexacao", Num(uiColunaIndexacao)},
-                  {"uiChave", Num(uiChave)});
-  *pbExiste = true;
-  *puiPosicaoIndex = it->second.front();
-  return S_OK;
+  const std::vector<QVUInt>* pPosicoes = nullptr;
+  const HRESULT hr = ProcuraIndex(uiColunaIndexacao, uiChave, &pPosicoes);
+  *pbExiste = pPosicoes != nullptr;
+  *puiPosicaoIndex = pPosicoes != nullptr ? pPosicoes->front() : 0;
+  return hr;
 }
 
 // ---- writing --------------------------------------------------------------------

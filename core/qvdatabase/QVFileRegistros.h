@@ -91,6 +91,10 @@ class CQVFileRegistros : public CQVFileBase {
   void AtualizaIndex(QVUInt uiPosicao, const unsigned char* pRegistros, std::size_t n);
   void IncluiIndex(QVUInt idx, std::uint64_t uiChave, QVUInt uiPosicao);
   void ConstroiIndices();
+  // The positions of a key in a column's index (null when absent), after
+  // the column and the entry were checked.
+  [[nodiscard]] HRESULT ProcuraIndex(QVUInt uiColunaIndexacao, std::uint64_t uiChave,
+                                     const std::vector<QVUInt>** ppPosicoes);
   // Puts back on disk what memory holds for the data bytes from uiOffset on,
   // cuts the file to the array's length and flushes; a failure leaves the
   // file in doubt. Called after a failed write.

@@ -37,12 +37,8 @@ HRESULT CQVTextFile::OnInicializa() {
   std::lock_guard lock(m_mutex);
   m_Entradas.clear();
   QV_CHECK_ARQ(CQVFileBase::OnInicializa());
-  QV_CHECK_ARQ(AbreArquivo(EQVDataBase_ModoAbertura::eModoLeituraGravacao));
-  m_bArquivoExiste = ArquivoAberto();
-  if (!m_bArquivoExiste) return S_OK;
-
   QVUInt uiTamanho = 0;
-  QV_CHECK_ARQ(TamanhoDados(&uiTamanho));
+  QV_CHECK_ARQ(AbreParaCarga(&m_bArquivoExiste, &uiTamanho));
   std::string dados(static_cast<std::size_t>(uiTamanho), '\0');
   if (uiTamanho > 0) QV_CHECK_ARQ(LeDados(0, dados.data(), dados.size()));
   for (QVUInt uiOffset = 0; uiOffset < uiTamanho;) {

@@ -422,17 +422,6 @@ TEST(ZelkorinRegistros, ProjetosEPropriedadesCopiamSeusTextos) {
   EXPECT_EQ(propsCopia.rNomeCliente2.pTexto, nullptr);
 }
 
-TEST(ZelkorinRegistros, IdentidadeNaGrafiaDoRegistro) {
-  EXPECT_EQ(static_cast<std::uint32_t>(IE_CAMPO_COUNT), 0x8C0001C2u);
-  EXPECT_EQ(IE_CAMPO_COUNT - IE_CAMPO_LIVRE_DMA_0, 9u * 50u);
-  EXPECT_EQ(QVGuidFormat(LIBID_ZELKORINLib), "{69816F98-7D2B-4909-A22F-8752CE7748EB}");
-  EXPECT_EQ(QVGuidFormat(IID_IQVGE_Atendimento), "{0F537427-7E93-41AB-878D-E88FB7EA13B0}");
-  EXPECT_EQ(QVGuidFormat(IID_IQVGE_Projeto), "{5EF9A8A6-E6ED-432D-9F61-2D3F8493CAAD}");
-  EXPECT_EQ(QVGuidFormat(CLSID_QVGE_Atendimento), "{360862BF-A33B-49DD-8E13-C0E70DE9C704}");
-  EXPECT_EQ(QVGuidFormat(CLSID_QVGE_Projeto), "{87EABE28-DC83-4C70-8B1C-5F1B4F2142DF}");
-  EXPECT_EQ(QVGuidFormat(APPID_Zelkorin), "{5A1D1C7F-FDE8-4D2D-B2C3-E44406DF3222}");
-}
-
 // The method order is the slot order clients call by. Under the Itanium C++
 // ABI on x86-64 a pointer to a virtual member holds 1 + the byte offset of
 // its slot in the table.
