@@ -10,6 +10,7 @@
 #include <cstring>
 #include <limits>
 #include <mutex>
+#include <optional>
 
 namespace {
 
@@ -46,6 +47,8 @@ constexpr off_t kAccessWrite = kLockBase + 2;
 constexpr off_t kDenyRead = kLockBase + 3;
 constexpr off_t kDenyWrite = kLockBase + 4;
 constexpr off_t kLockCount = 5;
+// How many times an open tries again when its file was deleted under it.
+constexpr int kMaxReaberturas = 100;
 
 constexpr std::uint32_t kAccessMask = 0x000F;
 constexpr std::uint32_t kShareMask = 0x00F0;
@@ -213,7 +216,9 @@ int InUse(const std::string& path, bool* pInUse) {
   if (::fstat(fd, &st) != 0) {
     e = errno;
   } else if (S_ISREG(st.st_mode)) {
-    e = HeldByOther(fd, kLockBase, kLockCount, pInUse);
+    // The access and deny bytes say who has the file open; the gate is only
+    // held for an instant (and, during a removal, by the remover itself).
+    e = HeldByOther(fd, kAccessRead, kLockCount - 1, pInUse);
   }
   ::close(fd);
   return e;
@@ -233,6 +238,30 @@ std::uint32_t MayRemove(const std::string& path, const struct stat& st) {
   if (S_ISREG(st.st_mode) && (st.st_mode & 0222) == 0) return ERROR_ACCESS_DENIED;
   return CheckNotInUse(path, st);
 }
+
+// The gate of a file held across "is it open?" and the unlink or rename
+// that removes its name: no open can check and record its sharing in
+// between, so a file is never taken from under a handle that was just
+// granted. An open that had reached the file before the unlink finds it
+// unlinked afterwards and opens again (see Open).
+class CPortaoRemocao {
+ public:
+  explicit CPortaoRemocao(const std::string& path) {
+    fd_ = OpenRetrying(path.c_str(), O_RDWR | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
+    if (fd_ >= 0 && SetLock(fd_, F_WRLCK, kGate, true) != 0) {
+      ::close(fd_);
+      fd_ = -1;
+    }
+  }
+  ~CPortaoRemocao() {
+    if (fd_ >= 0) ::close(fd_);
+  }
+  CPortaoRemocao(const CPortaoRemocao&) = delete;
+  CPortaoRemocao& operator=(const CPortaoRemocao&) = delete;
+
+ private:
+  int fd_ = -1;
+};
 
 // ---- the real file -------------------------------------------------------------
 
@@ -255,22 +284,34 @@ class CQVRealOsFile final : public IQVOsFile {
     const std::string resolved = QVResolvePathCase(path);
     // Never O_TRUNC: the sharing check decides whether truncation may happen.
     const int oflags = O_CLOEXEC | O_NOCTTY | (writableFd ? O_RDWR : O_RDONLY) | (m.create ? O_CREAT : 0);
-    const int fd = OpenRetrying(resolved.c_str(), oflags, 0644);
-    if (fd < 0) return Fail(ErrorForPath(errno, resolved));
-
+    int fd = -1;
     std::uint32_t err = 0;
-    struct stat st {};
-    if (::fstat(fd, &st) != 0) {
-      err = QVWin32ErrorFromErrno(errno);
-    } else if (S_ISDIR(st.st_mode)) {
-      err = ERROR_ACCESS_DENIED;
-    } else if (writableFd && (st.st_mode & 0222) == 0) {
-      // The read-only attribute binds whoever we run as: the superuser's
-      // open for writing succeeds, so refuse it here.
-      err = ERROR_ACCESS_DENIED;
-    } else {
-      err = TakeSharing(fd, m, writableFd);
+    // A file deleted (or replaced) between our open and our sharing check is
+    // no longer the file of that name: open the name again.
+    for (int tentativa = 0; tentativa < kMaxReaberturas; ++tentativa) {
+      fd = OpenRetrying(resolved.c_str(), oflags, 0644);
+      if (fd < 0) return Fail(ErrorForPath(errno, resolved));
+      err = 0;
+      struct stat st {};
+      if (::fstat(fd, &st) != 0) {
+        err = QVWin32ErrorFromErrno(errno);
+      } else if (S_ISDIR(st.st_mode)) {
+        err = ERROR_ACCESS_DENIED;
+      } else if (writableFd && (st.st_mode & 0222) == 0) {
+        // The read-only attribute binds whoever we run as: the superuser's
+        // open for writing succeeds, so refuse it here.
+        err = ERROR_ACCESS_DENIED;
+      } else {
+        err = TakeSharing(fd, m, writableFd);
+      }
+      if (err == 0 && ::fstat(fd, &st) == 0 && st.st_nlink == 0) {
+        ::close(fd);
+        fd = -1;
+        continue;
+      }
+      break;
     }
+    if (fd < 0) return Fail(ERROR_SHARING_VIOLATION);
     if (err == 0 && m.truncate) {
       while (::ftruncate(fd, 0) != 0) {
         if (errno != EINTR) {
@@ -472,8 +513,11 @@ HRESULT QVDeleteFile(const std::string& path) {
   struct stat st {};
   if (::lstat(resolved.c_str(), &st) != 0) return HrForPath(errno, resolved);
   if (S_ISDIR(st.st_mode)) return HRESULT_FROM_WIN32(ERROR_ACCESS_DENIED);
-  if (const std::uint32_t err = MayRemove(resolved, st); err != 0) return HRESULT_FROM_WIN32(err);
-  if (::unlink(resolved.c_str()) != 0) return HrForPath(errno, resolved);
+  {
+    const CPortaoRemocao portao(resolved);
+    if (const std::uint32_t err = MayRemove(resolved, st); err != 0) return HRESULT_FROM_WIN32(err);
+    if (::unlink(resolved.c_str()) != 0) return HrForPath(errno, resolved);
+  }
   return QVSyncDirectory(DirectoryOf(resolved));
 }
 
@@ -488,12 +532,17 @@ HRESULT QVMoveFile(const std::string& from, const std::string& to) {
   // The same file under another spelling (or another case) is not replaced:
   // renaming onto itself changes nothing, and the case is fixed below.
   const bool sameFile = targetExists && dst.st_dev == src.st_dev && dst.st_ino == src.st_ino;
-  if (targetExists && !sameFile) {
-    if (const std::uint32_t err = MayRemove(target, dst); err != 0) return HRESULT_FROM_WIN32(err);
-  }
-  if (::rename(source.c_str(), target.c_str()) != 0) {
-    // The source exists, so a missing entry is the destination's directory.
-    return HRESULT_FROM_WIN32(errno == ENOENT ? ERROR_PATH_NOT_FOUND : QVWin32ErrorFromErrno(errno));
+  {
+    // A file the rename replaces loses its name: hold its gate as a deletion does.
+    std::optional<CPortaoRemocao> portao;
+    if (targetExists && !sameFile) {
+      portao.emplace(target);
+      if (const std::uint32_t err = MayRemove(target, dst); err != 0) return HRESULT_FROM_WIN32(err);
+    }
+    if (::rename(source.c_str(), target.c_str()) != 0) {
+      // The source exists, so a missing entry is the destination's directory.
+      return HRESULT_FROM_WIN32(errno == ENOENT ? ERROR_PATH_NOT_FOUND : QVWin32ErrorFromErrno(errno));
+    }
   }
   // The destination named an existing entry in another case (or is the
   // source itself): the file takes the case asked for.

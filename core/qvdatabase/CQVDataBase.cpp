@@ -14,7 +14,7 @@ HRESULT CQVDataBase::OnInicializa() {
   return S_OK;
 }
 
-HRESULT CQVDataBase::OnFinaliza() {
+HRESULT CQVDataBase::FechaArquivos() {
   // Every file is finalised even when one fails; the first failure is the
   // result.
   HRESULT hrPrimeiro = S_OK;
@@ -22,6 +22,11 @@ HRESULT CQVDataBase::OnFinaliza() {
     const HRESULT hr = QV_LOGA(file.second->Finaliza());
     if (FAILED(hr) && SUCCEEDED(hrPrimeiro)) hrPrimeiro = hr;
   }
+  return hrPrimeiro;
+}
+
+HRESULT CQVDataBase::OnFinaliza() {
+  const HRESULT hrArquivos = FechaArquivos();
   const HRESULT hr = QV_LOGA(CQVInicializador::OnFinaliza());
-  return FAILED(hrPrimeiro) ? hrPrimeiro : hr;
+  return FAILED(hrArquivos) ? hrArquivos : hr;
 }

@@ -24,6 +24,9 @@ class CQVDataBase : public CQVInicializador {
   // points at them, keyed by file name.
   void AddFile(IQVFileBase* pFile);
   void RemoveFile(const std::string& sNomeArquivo);
+  // Finalises every file (flushed and closed); the database itself stays
+  // initialised. Used after a conversion, before the files are opened again.
+  [[nodiscard]] HRESULT FechaArquivos();
 
   bool GetSomenteLeitura() const { return m_bSomenteLeitura; }
   void SetSomenteLeitura(bool b) { m_bSomenteLeitura = b; }

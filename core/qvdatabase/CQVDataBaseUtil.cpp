@@ -1,5 +1,6 @@
 #include "core/qvdatabase/CQVDataBaseUtil.h"
 
+#include "core/qvdatabase/CQVDataBaseControleCriacaoArquivos.h"
 #include "df/qvlibex/QVCodigos.h"
 #include "df/qvlibex/QVLog.h"
 #include "platform/QVOsFile.h"
@@ -34,12 +35,18 @@ HRESULT CQVDataBaseUtil::RenomeiaArquivoTRA(const IQVFileBase* pArquivo, std::ui
   return S_OK;
 }
 
-HRESULT CQVDataBaseUtil::DeletaArquivo(IQVFileBase* pArquivo, std::uint32_t, const std::string& sNomeArquivo,
-                                       EQVDataBase_DeletaArquivoFlag) {
+HRESULT CQVDataBaseUtil::DeletaArquivo(IQVFileBase* pArquivo, std::uint32_t eModulo, const std::string& sNomeArquivo,
+                                       EQVDataBase_DeletaArquivoFlag eFlag) {
   std::string sPath;
   QV_CHECK(GetPathArquivo(pArquivo, sNomeArquivo, &sPath));
-  if (!QVFileExists(sPath)) return S_OK;
-  QV_CHECK(QVDeleteFile(sPath));
+  if (QVFileExists(sPath)) QV_CHECK(QVDeleteFile(sPath));
+  if (eFlag == EQVDataBase_DeletaArquivoFlag::eRemoverDoControleCriacaoArquivosInMemory &&
+      !CQVDataBaseControleCriacaoArquivos::EhExcluido(sNomeArquivo)) {
+    CQVDataBaseControleCriacaoArquivos controle;
+    controle.SetModulo(eModulo);
+    QV_CHECK(controle.Inicializa(pArquivo));
+    QV_CHECK(controle.RemoveControleCriacaoArquivos(sNomeArquivo));
+  }
   return S_OK;
 }
 

@@ -6,6 +6,9 @@
 
 #include "core/qvdatabase/IQVFileBase.h"
 #include "core/qvdatabase/QVDataBaseTipos.h"
+#include "core/qvdatabase/CQVDataBase.h"
+#include "core/qvdatabase/QVFileSingleReg.h"
+#include "df/qvlibex/QVLog.h"
 #include "platform/QVHResult.h"
 
 class CQVDataBaseUtil {
@@ -25,8 +28,45 @@ class CQVDataBaseUtil {
   // Deletes a data file (absent is no failure).
   [[nodiscard]] static HRESULT DeletaArquivo(IQVFileBase* pArquivo, std::uint32_t eModulo,
                                              const std::string& sNomeArquivo, EQVDataBase_DeletaArquivoFlag eFlag);
+  // The record of a single-record file of a module of a company (zeros when
+  // the file does not exist), and its writing.
+  template <class T>
+  [[nodiscard]] static HRESULT LeSingleReg(const IQVDF_Profiler* pProfiler, std::uint32_t eModulo, T* pRegistro,
+                                           const std::string& sNomeArquivo);
+  template <class T>
+  [[nodiscard]] static HRESULT GravaSingleReg(const IQVDF_Profiler* pProfiler, std::uint32_t eModulo,
+                                              const T& registro, const std::string& sNomeArquivo);
+
   // "GEATPRJ.dat" -> "GEATPRJ.tra".
   static std::string NomeArquivoTRA(const std::string& sNomeArquivo);
   // The extension after the last '.', "" when there is none.
   static std::string Extensao(const std::string& sNomeArquivo);
 };
+
+// A single-record file is opened through a database of its own, so that it
+// takes the caller's company, user and session; a caller that is itself a
+// file of a database with its own directory keeps that directory.
+template <class T>
+HRESULT CQVDataBaseUtil::LeSingleReg(const IQVDF_Profiler* pProfiler, std::uint32_t eModulo, T* pRegistro,
+                                     const std::string& sNomeArquivo) {
+  CQVDataBase qvDB(eModulo);
+  if (const auto* pArquivo = dynamic_cast<const IQVFileBase*>(pProfiler)) qvDB.SetDiretorio(pArquivo->GetDiretorio());
+  QV_CHECK(qvDB.Inicializa(pProfiler));
+  CQVFileSingleReg<T> arquivo(sNomeArquivo, eModulo);
+  QV_CHECK(arquivo.Inicializa(&qvDB));
+  QV_CHECK(arquivo.Le(pRegistro));
+  return S_OK;
+}
+
+template <class T>
+HRESULT CQVDataBaseUtil::GravaSingleReg(const IQVDF_Profiler* pProfiler, std::uint32_t eModulo, const T& registro,
+                                        const std::string& sNomeArquivo) {
+  CQVDataBase qvDB(eModulo);
+  if (const auto* pArquivo = dynamic_cast<const IQVFileBase*>(pProfiler)) qvDB.SetDiretorio(pArquivo->GetDiretorio());
+  QV_CHECK(qvDB.Inicializa(pProfiler));
+  CQVFileSingleReg<T> arquivo(sNomeArquivo, eModulo);
+  QV_CHECK(arquivo.Inicializa(&qvDB));
+  QV_CHECK(arquivo.Grava(registro));
+  QV_CHECK(arquivo.Finaliza());
+  return S_OK;
+}

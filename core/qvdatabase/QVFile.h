@@ -44,6 +44,8 @@ class CQVFile : public CQVFileRegistros {
   };
 
   CQVFile(std::string sNomeArquivo, std::uint32_t eModulo, std::initializer_list<Indice> indices = {})
+      : CQVFile(std::move(sNomeArquivo), eModulo, std::vector<Indice>(indices)) {}
+  CQVFile(std::string sNomeArquivo, std::uint32_t eModulo, const std::vector<Indice>& indices)
       : CQVFileRegistros(std::move(sNomeArquivo), eModulo, sizeof(T), QVNomeEstrutura<T>(), Descritores(indices)) {
     for (const Indice& i : indices) m_Chaves.push_back(i.chave);
   }
@@ -74,7 +76,7 @@ class CQVFile : public CQVFileRegistros {
 
  private:
   // Runs before this class's members exist: it may touch only its argument.
-  static std::vector<DescritorIndice> Descritores(std::initializer_list<Indice> indices) {
+  static std::vector<DescritorIndice> Descritores(const std::vector<Indice>& indices) {
     std::vector<DescritorIndice> d;
     for (const Indice& i : indices) {
       const FuncaoChave f = i.chave;

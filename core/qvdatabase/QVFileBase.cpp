@@ -221,10 +221,11 @@ HRESULT CQVFileBase::AbreArquivo(EQVDataBase_ModoAbertura eModoAbertura) {
   std::string sPath;
   QV_CHECK_ARQ(GetPathArquivo(&sPath));
   const bool bExiste = QVFileExists(sPath);
-  if (!bExiste && eModoAbertura != EQVDataBase_ModoAbertura::eModoLeituraGravacaoCriacao) return S_OK;
-
+  // Before the shortcut for a missing file: a listed file that vanished is
+  // refused rather than read (or later re-created) as empty.
   QV_CHECK_ARQ(m_ControleCriacaoArquivos.GerenciaControleCriacaoArquivos(eModoAbertura),
                {"(QVUInt) eModoAbertura", std::to_string(static_cast<QVUInt>(eModoAbertura))});
+  if (!bExiste && eModoAbertura != EQVDataBase_ModoAbertura::eModoLeituraGravacaoCriacao) return S_OK;
 
   // A file found under another letter case gets the name the system knows.
   if (bExiste && eModoAbertura == EQVDataBase_ModoAbertura::eModoLeituraGravacao) {
@@ -256,6 +257,10 @@ HRESULT CQVFileBase::AbreArquivo(EQVDataBase_ModoAbertura eModoAbertura) {
   m_eOpenMode = eModoAbertura;
   m_bCabecalhoExaminado = false;
   m_bPossuiCabecalho = false;
+  // A file this open created is listed now that it exists.
+  if (!bExiste)
+    QV_CHECK_ARQ(m_ControleCriacaoArquivos.GerenciaControleCriacaoArquivos(eModoAbertura),
+                 {"(QVUInt) eModoAbertura", std::to_string(static_cast<QVUInt>(eModoAbertura))});
   const HRESULT hr = GerenciaCabecalho();
   if (FAILED(hr)) {
     FechaArquivo();
@@ -267,6 +272,7 @@ HRESULT CQVFileBase::AbreArquivo(EQVDataBase_ModoAbertura eModoAbertura) {
 
 void CQVFileBase::FechaArquivo() {
   if (m_pArquivo) m_pArquivo->Close();
+  m_bSujo = false;
   m_eOpenMode = EQVDataBase_ModoAbertura::eModoFechado;
   m_bCabecalhoExaminado = false;
   m_bPossuiCabecalho = false;
@@ -398,6 +404,7 @@ HRESULT CQVFileBase::CriaCabecalho() {
   if (uiTamanho == 0) {
     HRESULT hr = GravaAbsoluto(0, bloco, sizeof bloco);
     if (SUCCEEDED(hr) && !m_pArquivo->Flush()) hr = CatchInicializacao(ExcecaoDoArquivo(CFileException::hardIO));
+    if (SUCCEEDED(hr)) m_bSujo = false;
     if (FAILED(hr)) {
       m_bCabecalhoExaminado = false;
       LogaFalha(__func__, __LINE__, "GravaAbsoluto(0, bloco, sizeof bloco)", hr);
@@ -470,20 +477,29 @@ HRESULT CQVFileBase::Flush(bool bFinal) {
   }
   const bool bAdiado = m_pDataBase != nullptr && m_pDataBase->GetAtualizacaoCabecalhoAdiada();
   if (bFinal == bAdiado) QV_CHECK_ARQ(AtualizaCabecalho());
-  if (!m_pArquivo->Flush()) QV_CHECK_ARQ(CatchInicializacao(ExcecaoDoArquivo(CFileException::hardIO)));
+  if (m_bSujo) {
+    if (!m_pArquivo->Flush()) QV_CHECK_ARQ(CatchInicializacao(ExcecaoDoArquivo(CFileException::hardIO)));
+    m_bSujo = false;
+  }
   return S_OK;
 }
 
-HRESULT CQVFileBase::DeletaArquivo() {
+HRESULT CQVFileBase::Reinicializa() {
   const CQVProfilerEmpresa identidade(GetEmpresa(), GetUsuario(), GetNumeroSessao());
   QV_CHECK_ARQ(Finaliza());
-  QV_CHECK_ARQ(CQVDataBaseUtil::DeletaArquivo(this, m_eModulo, m_sNomeArquivo,
-                                              EQVDataBase_DeletaArquivoFlag::eRemoverDoControleCriacaoArquivosInMemory));
   if (m_pDataBase != nullptr) {
     QV_CHECK_ARQ(Inicializa(m_pDataBase));
   } else {
     QV_CHECK_ARQ(Inicializa(&identidade));
   }
+  return S_OK;
+}
+
+HRESULT CQVFileBase::DeletaArquivo() {
+  QV_CHECK_ARQ(Finaliza());
+  QV_CHECK_ARQ(CQVDataBaseUtil::DeletaArquivo(this, m_eModulo, m_sNomeArquivo,
+                                              EQVDataBase_DeletaArquivoFlag::eRemoverDoControleCriacaoArquivosInMemory));
+  QV_CHECK_ARQ(Reinicializa());
   return S_OK;
 }
 
@@ -543,6 +559,7 @@ HRESULT CQVFileBase::LeAbsoluto(QVUInt uiOffset, void* pBuffer, std::size_t n) {
 HRESULT CQVFileBase::GravaAbsoluto(QVUInt uiOffset, const void* pBuffer, std::size_t n) {
   if (!ArquivoAberto()) return CatchGravacao(CFileException(CFileException::invalidFile, 0, m_sNomeArquivo));
   if (!m_pArquivo->Seek(uiOffset)) return CatchGravacao(ExcecaoDoArquivo(CFileException::badSeek));
+  m_bSujo = true;
   if (!m_pArquivo->Write(pBuffer, n)) return CatchGravacao(ExcecaoDoArquivo(CFileException::hardIO));
   return S_OK;
 }
@@ -570,6 +587,7 @@ HRESULT CQVFileBase::TamanhoDados(QVUInt* puiTamanho) {
 
 HRESULT CQVFileBase::TruncaDados(QVUInt uiTamanho) {
   if (!ArquivoAberto()) return CatchGravacao(CFileException(CFileException::invalidFile, 0, m_sNomeArquivo));
+  m_bSujo = true;
   if (!m_pArquivo->SetLength(GetSeekCabecalho() + uiTamanho))
     return CatchGravacao(ExcecaoDoArquivo(CFileException::hardIO));
   return S_OK;

@@ -145,6 +145,10 @@ class CQVFileBase : public IQVFileBase {
   // The open of a whole-file load (read and write; an absent file stays
   // closed): whether the file exists and its data length (0 when absent).
   [[nodiscard]] HRESULT AbreParaCarga(bool* pbExiste, QVUInt* puiTamanho);
+  // Finalises the file and initialises it again with the database or
+  // identity it had (a new name, a deleted file).
+  [[nodiscard]] HRESULT Reinicializa();
+  CQVDataBase* GetDataBase() const { return m_pDataBase; }
   // Whether writing is allowed now: open for writing and not in doubt.
   [[nodiscard]] HRESULT PodeGravar();
   // Called by a derived class when restoring after a failed write failed too.
@@ -181,6 +185,9 @@ class CQVFileBase : public IQVFileBase {
   QVCabecalhoArquivo m_Cabecalho{};
   std::string m_sDiretorio;
   HRESULT m_hrDuvida = S_OK;
+  // Bytes were written since the last sync: a flush of a file that was only
+  // read costs no fdatasync.
+  bool m_bSujo = false;
 };
 
 // The cause names the log uses for a file failure ("eSharingViolation"...).

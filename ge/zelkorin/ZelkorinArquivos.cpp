@@ -54,3 +54,12 @@ const QVArquivoGE* QVProcuraArquivoGE(const std::string& sNomeArquivo) {
   }
   return nullptr;
 }
+
+std::vector<const char*> QVRaizesPorMesGE() {
+  std::vector<const char*> raizes;
+  for (const QVArquivoGE& a : kArquivos)
+    if (a.bPorMes) raizes.push_back(a.raiz);
+  // Older layouts, renamed to the four-digit-year form by the conversion.
+  for (const char* antiga : {"GeAtSrv", "GeAtCmt", "GeAtCmtSrv", "GeAtDec", "GEATEND"}) raizes.push_back(antiga);
+  return raizes;
+}

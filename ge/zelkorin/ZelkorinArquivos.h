@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <string>
+#include <vector>
 
 #include "core/qvdatabase/QVVerificacao.h"
 
@@ -17,3 +18,6 @@ struct QVArquivoGE {
 // The file kind of a name (letter case ignored); null when the module has
 // no file of that name.
 const QVArquivoGE* QVProcuraArquivoGE(const std::string& sNomeArquivo);
+// The roots of the module's month files, including those of older layouts
+// that only the conversion reads.
+std::vector<const char*> QVRaizesPorMesGE();

@@ -3,6 +3,8 @@
 #include <cstdlib>
 #include <mutex>
 
+#include "platform/QVOsFile.h"
+
 namespace {
 
 std::mutex g_mutex;
@@ -18,7 +20,12 @@ HRESULT CQVSessaoSuitePadrao::GetDiretorioDadosModulo(std::uint32_t modulo, cons
   if (pDiretorio == nullptr) return E_POINTER;
   pDiretorio->clear();
   if (!QVNomeEmpresaValido(empresa)) return S_OK;
-  *pDiretorio = QVRaizDados() + "/" + empresa + "/" + QVPastaModulo(modulo);
+  // The suite sets a company's folders up before anyone asks for them; the
+  // embedded default makes them at the first request.
+  const std::string sDiretorio = QVRaizDados() + "/" + empresa + "/" + QVPastaModulo(modulo);
+  const HRESULT hr = QVCreateDirectories(sDiretorio);
+  if (FAILED(hr)) return hr;
+  *pDiretorio = sDiretorio;
   return S_OK;
 }
 

@@ -6,7 +6,8 @@
 // and keeps each company's data under one data root.
 //
 // Default data layout: <raiz>/<empresa>/<pasta do módulo>/, the module
-// folder being "GE" for the GE module (9) and "M<n>" for any other. The
+// folder being "GE" for the GE module (9) and "M<n>" for any other; the
+// folders are made at the first request for them. The
 // data root is QVDefineRaizDados, else the environment variable
 // ZELKORIN_ROOT, else $HOME/.local/share/zelkorin. A company whose name
 // cannot be a folder name ("", ".", "..", or with '/', '\\' or control

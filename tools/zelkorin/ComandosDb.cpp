@@ -3,6 +3,9 @@
 #include <strings.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cctype>
+#include <map>
 #include <cstdio>
 #include <cstring>
 #include <iostream>
@@ -10,10 +13,13 @@
 #include <nlohmann/json.hpp>
 
 #include "core/qvdatabase/CQVDataBase.h"
+#include "core/qvdatabase/CQVDataBaseUtil.h"
+#include "core/qvdatabase/QVFileNameFormat.h"
 #include "core/qvdatabase/QVFileRegistros.h"
 #include "core/qvdatabase/QVFormatoCabecalho.h"
 #include "core/qvdatabase/QVTextFile.h"
 #include "core/qvdatabase/QVVerificacao.h"
+#include "df/qvlibex/QVCodigos.h"
 #include "df/qvlibex/QVCrc64.h"
 #include "df/qvlibex/QVDatas.h"
 #include "df/qvlibex/QVStatus.h"
@@ -69,6 +75,86 @@ bool LeInicio(const std::string& sArquivo, std::string* pBytes, std::uint64_t* p
     lido += n;
   }
   return true;
+}
+
+bool IguaisSemCaixa(const std::string& a, const std::string& b) {
+  return a.size() == b.size() && strncasecmp(a.c_str(), b.c_str(), a.size()) == 0;
+}
+
+bool EhArquivoDeMarca(const std::string& sNome) { return strncasecmp(sNome.c_str(), "XXMARCA", 7) == 0; }
+
+bool SoDigitos(const std::string& s) {
+  return !s.empty() && std::all_of(s.begin(), s.end(), [](unsigned char c) { return std::isdigit(c) != 0; });
+}
+
+// The checks of a company's directory as a whole: month files, the
+// file-creation control, left-over copies and marks. Returns the failures.
+int VerificaDiretorio(const std::string& sDir, const std::vector<std::string>& nomes, std::ostream& out) {
+  int falhas = 0;
+  // Month files, grouped by root: each name's period must be readable.
+  std::map<std::string, std::vector<std::uint16_t>> meses;
+  for (const std::string& n : nomes) {
+    const std::size_t ponto = n.find_last_of('.');
+    if (ponto == std::string::npos || strcasecmp(n.c_str() + ponto + 1, "dat") != 0) continue;
+    const std::string sRaiz = n.substr(0, ponto);
+    for (const char* raiz : QVRaizesPorMesGE()) {
+      const std::size_t t = std::strlen(raiz);
+      if (sRaiz.size() <= t || strncasecmp(sRaiz.c_str(), raiz, t) != 0 || !SoDigitos(sRaiz.substr(t))) continue;
+      const std::uint16_t iMA = CQVFileNameFormatMa<10>::Periodo(sRaiz, raiz);
+      if (sRaiz.size() == t + 6 && iMA != 0) {
+        meses[raiz].push_back(iMA);
+      } else if (sRaiz.size() == t + 4) {
+        out << sDir << "/" << n << ": AVISO nome no formato antigo (mês e ano com dois dígitos); a conversão o renomeia\n";
+      } else {
+        ++falhas;
+        out << sDir << "/" << n << ": " << Status(E_QVCR_NOME_ARQUIVO_GROUP_INVALIDO) << " - período ilegível no nome\n";
+      }
+    }
+  }
+  for (auto& [raiz, lista] : meses) {
+    std::sort(lista.begin(), lista.end());
+    out << sDir << "/" << raiz << "AAAAMM.DAT: " << lista.size() << (lista.size() == 1 ? " mês" : " meses") << ", de "
+        << QVDiaTexto(QVPrimeiroDiaDoMes(lista.front())).substr(0, 7) << " a "
+        << QVDiaTexto(QVPrimeiroDiaDoMes(lista.back())).substr(0, 7) << "\n";
+  }
+
+  // The control file: every listed file must be on disk.
+  if (std::any_of(nomes.begin(), nomes.end(),
+                  [](const std::string& n) { return IguaisSemCaixa(n, QVDATABASE_NOME_ARQUIVO_CONTROLE_CRIACAO_ARQUIVOS); })) {
+    CQVDataBase db;
+    db.SetSomenteLeitura(true);
+    db.SetDiretorio(sDir);
+    const CQVProfilerEmpresa identidade;
+    CQVTextFile controle(QVDATABASE_NOME_ARQUIVO_CONTROLE_CRIACAO_ARQUIVOS, 0);
+    if (SUCCEEDED(db.Inicializa(&identidade)) && SUCCEEDED(controle.Inicializa(&db))) {
+      for (const CQVTextFile::Entrada& e : *controle.GetPtrRegistros()) {
+        if (QVFileExists(sDir + "/" + e.sTexto)) continue;
+        ++falhas;
+        out << sDir << "/" << QVAnsiToUtf8(e.sTexto) << ": " << Status(E_QVCR_INCONSISTENCIA_CONTROLE_CRIACAO_ARQUIVOS)
+            << " - listado em " << QVDATABASE_NOME_ARQUIVO_CONTROLE_CRIACAO_ARQUIVOS << " e ausente do disco\n";
+      }
+    }
+  }
+
+  for (const std::string& n : nomes) {
+    // A copy left by an interrupted rewrite or header creation.
+    if (IguaisSemCaixa(CQVDataBaseUtil::Extensao(n), "tra")) {
+      ++falhas;
+      out << sDir << "/" << n << ": " << Status(E_QVCR_ARQUIVO_TRA_ENCONTRADO) << " - "
+          << QVDescricaoHResult(E_QVCR_ARQUIVO_TRA_ENCONTRADO) << "\n";
+    }
+    // Marks: held by a running process, or left by one that ended. A
+    // read-only open that denies nothing tells them apart without touching
+    // the file: only a holder refuses it.
+    if (EhArquivoDeMarca(n)) {
+      auto f = QVCreateRealOsFile();
+      const bool bLivre = f->Open(sDir + "/" + n, QVFILE_MODE_READ | QVFILE_SHARE_DENY_NONE | QVFILE_MODE_NO_TRUNCATE);
+      out << sDir << "/" << n
+          << (bLivre ? ": AVISO marca abandonada por um processo que terminou; não bloqueia ninguém\n"
+                     : ": marcada por um processo em execução\n");
+    }
+  }
+  return falhas;
 }
 
 }  // namespace
@@ -131,22 +217,26 @@ int QVComandoDbHeader(const std::string& sArquivo, std::ostream& out, std::ostre
 int QVComandoDbVerify(const std::vector<std::string>& caminhos, std::optional<std::size_t> tamRegistro,
                       std::ostream& out, std::ostream& err) {
   std::vector<std::string> arquivos;
+  std::vector<std::pair<std::string, std::vector<std::string>>> diretorios;
   for (const std::string& c : caminhos) {
     std::vector<std::string> nomes;
     if (SUCCEEDED(QVListDirectory(c, &nomes))) {
       for (const std::string& n : nomes) {
         const std::size_t ponto = n.find_last_of('.');
-        if (ponto != std::string::npos && strcasecmp(n.c_str() + ponto + 1, "dat") == 0) arquivos.push_back(c + "/" + n);
+        if (ponto != std::string::npos && strcasecmp(n.c_str() + ponto + 1, "dat") == 0 && !EhArquivoDeMarca(n))
+          arquivos.push_back(c + "/" + n);
       }
+      diretorios.emplace_back(c, std::move(nomes));
     } else {
       arquivos.push_back(c);
     }
   }
-  if (arquivos.empty()) {
+  if (arquivos.empty() && diretorios.empty()) {
     err << "nenhum arquivo .dat encontrado\n";
     return 1;
   }
   int falhas = 0;
+  for (const auto& [dir, nomes] : diretorios) falhas += VerificaDiretorio(dir, nomes, out);
   for (const std::string& a : arquivos) {
     EQVTipoConteudo tipo = EQVTipoConteudo::Desconhecido;
     std::size_t tam = 0;

@@ -11,6 +11,7 @@
 #include "core/qvdatabase/QVFileRegistros.h"
 #include "core/qvdatabase/QVTextFile.h"
 #include "platform/QVCodePage.h"
+#include "platform/QVOsFile.h"
 #include "suite/hostlink/QVSessaoSuite.h"
 #include "tests/support/QVTestSupport.h"
 #include "tests/support/QVTesteArquivos.h"
@@ -69,6 +70,7 @@ TEST_F(ComandosDbTest, VerifyDeUmDiretorio) {
   std::filesystem::remove(Caminho("GEATSRVV3202007.dat"));
   std::filesystem::remove(Caminho("LEGADO.dat"));
   std::filesystem::remove(Caminho("GeAtStrV1.dat"));
+  std::filesystem::remove(Caminho("QVDATABASE_FILE_CTRL.dat"));  // it listed GeAtStrV1.dat
   m_Out.str("");
   EXPECT_EQ(QVComandoDbVerify({m_Dir}, std::nullopt, m_Out, m_Err), 0) << m_Out.str();
   m_Out.str("");
@@ -121,4 +123,32 @@ TEST_F(ComandosDbTest, DumpDeRegistrosEDeTextos) {
   EXPECT_EQ(QVComandoDbDump(Caminho("GEATTEC2202007.dat"), 500, false, m_Out, m_Err), 1);  // not whole records
   EXPECT_EQ(QVComandoDbDump(Caminho("GEATTEC2202007.dat"), std::nullopt, false, m_Out, m_Err), 2);
   EXPECT_EQ(Conteudos(), antes);
+}
+
+TEST_F(ComandosDbTest, VerifyDoDiretorioComoBancoDaEmpresa) {
+  QVTesteGravaBytes(Caminho("GEATTEC2202008.dat"), QVTesteBytes(Caminho("GEATTEC2202007.dat")));
+  QVTesteGravaBytes(Caminho("GEAtCla0519.DAT"), "");  // the old month form, before the conversion
+  QVTesteGravaBytes(Caminho("GEAtCla202213.DAT"), "");  // month 13
+  QVTesteGravaBytes(Caminho("GeAtStrV1.tra"), "");  // an interrupted rewrite
+  std::filesystem::remove(Caminho("GeAtStrV1.dat"));  // listed in the control, gone
+  QVTesteGravaBytes(Caminho("XXMARCA7.dat"), "");  // left by a process that ended
+  const auto antes = Conteudos();
+  EXPECT_EQ(QVComandoDbVerify({m_Dir}, std::nullopt, m_Out, m_Err), 1);
+  const std::string s = m_Out.str();
+  EXPECT_NE(s.find("GEATTEC2AAAAMM.DAT: 2 meses, de 2020-07 a 2020-08"), std::string::npos) << s;
+  EXPECT_NE(s.find("GEATTEC2202008.dat: E_QVCR_NOME_ARQUIVO_NAO_CONFERE"), std::string::npos) << s;
+  EXPECT_NE(s.find("GEAtCla0519.DAT: AVISO nome no formato antigo"), std::string::npos) << s;
+  EXPECT_NE(s.find("GEAtCla202213.DAT: E_QVCR_NOME_ARQUIVO_GROUP_INVALIDO"), std::string::npos) << s;
+  EXPECT_NE(s.find("GeAtStrV1.tra: E_QVCR_ARQUIVO_TRA_ENCONTRADO"), std::string::npos) << s;
+  EXPECT_NE(s.find("GeAtStrV1.dat: E_QVCR_INCONSISTENCIA_CONTROLE_CRIACAO_ARQUIVOS"), std::string::npos) << s;
+  EXPECT_NE(s.find("XXMARCA7.dat: AVISO marca abandonada"), std::string::npos) << s;
+  EXPECT_EQ(s.find("XXMARCA7.dat: OK"), std::string::npos) << s;  // a mark is not a data file
+  EXPECT_EQ(Conteudos(), antes);
+
+  // A mark some process holds is reported as such.
+  auto marca = QVCreateRealOsFile();
+  ASSERT_TRUE(marca->Open(Caminho("XXMARCA7.dat"), QVFILE_MODE_READWRITE | QVFILE_SHARE_EXCLUSIVE | QVFILE_MODE_CREATE));
+  m_Out.str("");
+  QVComandoDbVerify({m_Dir}, std::nullopt, m_Out, m_Err);
+  EXPECT_NE(m_Out.str().find("XXMARCA7.dat: marcada por um processo em execução"), std::string::npos) << m_Out.str();
 }

@@ -1,0 +1,115 @@
+// The process's open databases of one kind (one DB type): one database
+// object per company and module, shared by every client object of that
+// company in the process.
+//
+// Life cycle of an entry: the first Inicializa of a company creates the
+// database and opens every file of it; later ones only count a user;
+// Finaliza uncounts one, and the last user's Finaliza finalises the database
+// (every file flushed, its header written, closed) and forgets it. The
+// container also remembers which companies' data were converted in this
+// process, so that a conversion runs at most once per company and process.
+// All of it under one mutex: joining and leaving are rare and short next to
+// the opening itself.
+#pragma once
+
+#include <algorithm>
+#include <cctype>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <set>
+#include <string>
+
+#include "df/qvlibex/QVLog.h"
+#include "df/qvlibex/QVProfilerEmpresa.h"
+
+template <class DB>
+class CQVContainerFacade {
+ public:
+  static CQVContainerFacade& Instancia() {
+    static CQVContainerFacade container;
+    return container;
+  }
+
+  // Joins the company's database, opening it for the first user, and hands
+  // it out in pDataBase.
+  [[nodiscard]] HRESULT Inicializa(const std::string& sEmpresa, std::uint16_t usUsuario, std::uint32_t ulNumeroSessao,
+                                   DB*& pDataBase, std::uint32_t eModulo) {
+    std::lock_guard lock(m_mutex);
+    Entrada& e = m_Bancos[Chave(sEmpresa, eModulo)];
+    if (!e.pDataBase) {
+      auto pNovo = std::make_unique<DB>();
+      pNovo->SetModulo(eModulo);
+      const CQVProfilerEmpresa identidade(sEmpresa, usUsuario, ulNumeroSessao);
+      const HRESULT hr = QV_LOGA(pNovo->Inicializa(&identidade));
+      if (FAILED(hr)) {
+        m_Bancos.erase(Chave(sEmpresa, eModulo));
+        pDataBase = nullptr;
+        return hr;
+      }
+      e.pDataBase = std::move(pNovo);
+    }
+    ++e.iUsuarios;
+    pDataBase = e.pDataBase.get();
+    return S_OK;
+  }
+
+  // Leaves the company's database; the last user finalises it. pDataBase is
+  // cleared.
+  [[nodiscard]] HRESULT Finaliza(const std::string& /*sEmpresa*/, DB*& pDataBase) {
+    std::unique_ptr<DB> pFechar;
+    {
+      std::lock_guard lock(m_mutex);
+      for (auto it = m_Bancos.begin(); it != m_Bancos.end(); ++it) {
+        if (it->second.pDataBase.get() != pDataBase) continue;
+        if (--it->second.iUsuarios == 0) {
+          pFechar = std::move(it->second.pDataBase);
+          m_Bancos.erase(it);
+        }
+        break;
+      }
+    }
+    pDataBase = nullptr;
+    // Finalised outside the lock: flushing a company's files must not hold
+    // up the other companies.
+    if (pFechar) QV_CHECK(pFechar->Finaliza());
+    return S_OK;
+  }
+
+  bool EstaAberto(const std::string& sEmpresa, std::uint32_t eModulo) const {
+    std::lock_guard lock(m_mutex);
+    return m_Bancos.count(Chave(sEmpresa, eModulo)) != 0;
+  }
+  int GetQtdUsuarios(const std::string& sEmpresa, std::uint32_t eModulo) const {
+    std::lock_guard lock(m_mutex);
+    const auto it = m_Bancos.find(Chave(sEmpresa, eModulo));
+    return it != m_Bancos.end() ? it->second.iUsuarios : 0;
+  }
+  bool FoiConvertido(const std::string& sEmpresa, std::uint32_t eModulo) const {
+    std::lock_guard lock(m_mutex);
+    return m_Convertidos.count(Chave(sEmpresa, eModulo)) != 0;
+  }
+  void MarcaConvertido(const std::string& sEmpresa, std::uint32_t eModulo) {
+    std::lock_guard lock(m_mutex);
+    m_Convertidos.insert(Chave(sEmpresa, eModulo));
+  }
+
+ private:
+  struct Entrada {
+    std::unique_ptr<DB> pDataBase;
+    int iUsuarios = 0;
+  };
+
+  // Companies name folders of a case-insensitive file system: "Acme" and
+  // "ACME" are one company.
+  static std::string Chave(std::string sEmpresa, std::uint32_t eModulo) {
+    std::transform(sEmpresa.begin(), sEmpresa.end(), sEmpresa.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
+    return sEmpresa + "|" + std::to_string(eModulo);
+  }
+
+  mutable std::mutex m_mutex;
+  std::map<std::string, Entrada> m_Bancos;
+  std::set<std::string> m_Convertidos;
+};

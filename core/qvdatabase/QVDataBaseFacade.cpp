@@ -1,0 +1,6 @@
+#include "core/qvdatabase/QVDataBaseFacade.h"
+
+std::mutex& QVMutexConversao() {
+  static std::mutex m;
+  return m;
+}

@@ -1,0 +1,147 @@
+#include "core/qvdatabase/QVGroupFileBase.h"
+
+#include <cctype>
+
+#include "core/qvdatabase/CQVDataBaseUtil.h"
+#include "core/qvdatabase/QVFileNameFormat.h"
+#include "df/qvlibex/QVCodigos.h"
+#include "df/qvlibex/QVDatas.h"
+
+namespace {
+
+// The period text of a name: the characters under the pattern's '?' run.
+std::string Prefixo(const std::string& sPadrao) { return sPadrao.substr(0, sPadrao.find('?')); }
+
+}  // namespace
+
+CQVGroupFileBase::CQVGroupFileBase(std::string sPadrao, std::uint32_t eModulo)
+    : CQVFileBase(std::move(sPadrao), eModulo) {}
+
+CQVGroupFileBase::~CQVGroupFileBase() {
+  if (EstaInicializado()) QV_LOGA(Finaliza());
+}
+
+bool CQVGroupFileBase::CorrespondeAoPadrao(const std::string& sNome) const {
+  if (sNome.size() != m_sNomeArquivo.size()) return false;
+  for (std::size_t i = 0; i < sNome.size(); ++i) {
+    const char p = m_sNomeArquivo[i];
+    if (p != '?' && std::toupper(static_cast<unsigned char>(p)) != std::toupper(static_cast<unsigned char>(sNome[i])))
+      return false;
+  }
+  return true;
+}
+
+std::uint64_t CQVGroupFileBase::ChaveDoNomeArquivo(const std::string& sNome) const {
+  return CorrespondeAoPadrao(sNome) ? CQVFileNameFormatMa<10>::Periodo(sNome, Prefixo(m_sNomeArquivo)) : 0;
+}
+
+std::string CQVGroupFileBase::NomeArquivoDaChave(std::uint64_t uiChave) const {
+  const std::string sPrefixo = Prefixo(m_sNomeArquivo);
+  const std::string sComPeriodo = CQVFileNameFormatMa<10>::Nome(sPrefixo, static_cast<std::uint16_t>(uiChave));
+  // The period goes where the pattern has its '?' run; the rest of the
+  // pattern (its extension) stays as written.
+  const std::size_t nInterrogacoes = m_sNomeArquivo.find_first_not_of('?', sPrefixo.size()) - sPrefixo.size();
+  return sPrefixo + sComPeriodo.substr(sPrefixo.size(), nInterrogacoes) +
+         m_sNomeArquivo.substr(sPrefixo.size() + nInterrogacoes);
+}
+
+HRESULT CQVGroupFileBase::InicializaMembro(CQVFileBase* pQVFile) {
+  if (!CQVFileBase::GetDiretorio().empty()) pQVFile->SetDiretorio(CQVFileBase::GetDiretorio());
+  if (m_bControleDesabilitado) QV_CHECK_ARQ(pQVFile->DesabilitaControleCriacaoArquivos());
+  if (GetDataBase() != nullptr) {
+    QV_CHECK_ARQ(pQVFile->Inicializa(GetDataBase()));
+  } else {
+    QV_CHECK_ARQ(pQVFile->Inicializa(this));
+  }
+  return S_OK;
+}
+
+HRESULT CQVGroupFileBase::OnInicializa() {
+  m_Membros.clear();
+  QV_CHECK_ARQ(CQVFileBase::OnInicializa());
+  std::string sPathArquivo;
+  QV_CHECK_ARQ(CQVDataBaseUtil::GetPathArquivo(this, Prefixo(m_sNomeArquivo), &sPathArquivo));
+  const std::string sDiretorio = sPathArquivo.substr(0, sPathArquivo.find_last_of('/'));
+  std::vector<std::string> nomes;
+  const HRESULT hrLista = QVListDirectory(sDiretorio, &nomes);
+  // A directory that does not exist yet holds no members.
+  if (FAILED(hrLista) && hrLista != HRESULT_FROM_WIN32(ERROR_PATH_NOT_FOUND) &&
+      hrLista != HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND))
+    QV_CHECK_ARQ(hrLista, {"sDiretorio", sDiretorio});
+  for (const std::string& sNome : nomes) {
+    if (!CorrespondeAoPadrao(sNome)) continue;
+    const std::uint64_t uiChave = ChaveDoNomeArquivo(sNome);
+    if (uiChave == 0) QV_RETURN_ARQ(E_QVCR_NOME_ARQUIVO_GROUP_INVALIDO, {"sNome", sNome});
+    // The name the system knows: the open renames a file found under
+    // another letter case.
+    std::unique_ptr<CQVFileBase> pQVFile = NewFile(NomeArquivoDaChave(uiChave));
+    QV_CHECK_ARQ(InicializaMembro(pQVFile.get()), {"sNome", sNome});
+    m_Membros[uiChave] = std::move(pQVFile);
+  }
+  return S_OK;
+}
+
+HRESULT CQVGroupFileBase::OnFinaliza() {
+  HRESULT hrPrimeiro = S_OK;
+  for (auto& it : m_Membros) {
+    const HRESULT hr = it.second->Finaliza();
+    if (FAILED(hr)) {
+      LogaFalha(__func__, __LINE__, "it.second->Finaliza()", hr, {{"uiChaveNomeArquivo", std::to_string(it.first)}});
+      if (SUCCEEDED(hrPrimeiro)) hrPrimeiro = hr;
+    }
+  }
+  m_Membros.clear();
+  const HRESULT hr = CQVFileBase::OnFinaliza();
+  return FAILED(hrPrimeiro) ? hrPrimeiro : hr;
+}
+
+QVUInt CQVGroupFileBase::GetQtdRegistros() {
+  QVUInt n = 0;
+  for (auto& it : m_Membros) n += it.second->GetQtdRegistros();
+  return n;
+}
+
+QVUInt CQVGroupFileBase::GetQtdRegistros(std::uint64_t uiChaveNomeArquivo) {
+  CQVFileBase* p = Membro(uiChaveNomeArquivo);
+  return p != nullptr ? p->GetQtdRegistros() : 0;
+}
+
+CQVFileBase* CQVGroupFileBase::Membro(std::uint64_t uiChaveNomeArquivo) const {
+  const auto it = m_Membros.find(uiChaveNomeArquivo);
+  return it != m_Membros.end() ? it->second.get() : nullptr;
+}
+
+HRESULT CQVGroupFileBase::LookupMapFiles(std::uint64_t uiChaveNomeArquivo, IQVFileBase** ppQVFileInterface) {
+  *ppQVFileInterface = Membro(uiChaveNomeArquivo);
+  return S_OK;
+}
+
+HRESULT CQVGroupFileBase::IncluiMembro(std::uint64_t uiChaveNomeArquivo, CQVFileBase** ppMembro) {
+  *ppMembro = Membro(uiChaveNomeArquivo);
+  if (*ppMembro != nullptr) return S_OK;
+  if (uiChaveNomeArquivo == 0 || uiChaveNomeArquivo > kQVMesAnoMaximo)
+    QV_RETURN_ARQ(E_QVCR_NOME_ARQUIVO_GROUP_INVALIDO, {"uiChaveNomeArquivo", std::to_string(uiChaveNomeArquivo)});
+  std::unique_ptr<CQVFileBase> pQVFile = NewFile(NomeArquivoDaChave(uiChaveNomeArquivo));
+  QV_CHECK_ARQ(InicializaMembro(pQVFile.get()), {"uiChaveNomeArquivo", std::to_string(uiChaveNomeArquivo)});
+  *ppMembro = pQVFile.get();
+  m_Membros[uiChaveNomeArquivo] = std::move(pQVFile);
+  return S_OK;
+}
+
+HRESULT CQVGroupFileBase::DeletaArquivo() {
+  for (auto& it : m_Membros) QV_CHECK_ARQ(it.second->DeletaArquivo(), {"uiChaveNomeArquivo", std::to_string(it.first)});
+  return S_OK;
+}
+
+HRESULT CQVGroupFileBase::DesabilitaControleCriacaoArquivos() {
+  m_bControleDesabilitado = true;
+  QV_CHECK_ARQ(CQVFileBase::DesabilitaControleCriacaoArquivos());
+  for (auto& it : m_Membros) QV_CHECK_ARQ(it.second->DesabilitaControleCriacaoArquivos());
+  return S_OK;
+}
+
+std::vector<std::uint64_t> CQVGroupFileBase::GetChaves() const {
+  std::vector<std::uint64_t> chaves;
+  for (const auto& it : m_Membros) chaves.push_back(it.first);
+  return chaves;
+}

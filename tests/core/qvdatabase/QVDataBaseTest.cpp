@@ -1,0 +1,227 @@
+// The file-creation control, and a company's database shared through the
+// facade and the process's container.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <filesystem>
+#include <thread>
+
+#include "core/qvdatabase/CQVDataBase.h"
+#include "core/qvdatabase/CQVDataBaseUtil.h"
+#include "core/qvdatabase/QVDataBaseFacade.h"
+#include "core/qvdatabase/QVFile.h"
+#include "core/qvdatabase/QVTextFile.h"
+#include "df/qvlibex/QVCodigos.h"
+#include "suite/hostlink/CQVBaseParaRotinas.h"
+#include "tests/support/QVTestSupport.h"
+#include "tests/support/QVTesteArquivos.h"
+
+namespace {
+
+class QVControleTest : public ::testing::Test {
+ protected:
+  void SetUp() override { m_Dir = QVTesteNovoDiretorio("controle"); }
+  // A file of its own database (kept by the fixture: files point at theirs).
+  std::unique_ptr<CQVFile<REG_TESTE>> Arquivo(const std::string& nome = "GEATRPS.dat", bool bSomenteLeitura = false) {
+    auto& db = m_DBs.emplace_back(std::make_unique<CQVDataBase>(QV_GE));
+    db->SetDiretorio(m_Dir);
+    db->SetSomenteLeitura(bSomenteLeitura);
+    EXPECT_EQ(db->Inicializa(&QVTesteIdentidade()), S_OK);
+    auto f = std::make_unique<CQVFile<REG_TESTE>>(nome, QV_GE);
+    m_hr = f->Inicializa(db.get());
+    return f;
+  }
+  std::vector<std::string> Lista() {
+    CQVDataBase db(QV_GE);
+    db.SetDiretorio(m_Dir);
+    EXPECT_EQ(db.Inicializa(&QVTesteIdentidade()), S_OK);
+    CQVTextFile ctrl(QVDATABASE_NOME_ARQUIVO_CONTROLE_CRIACAO_ARQUIVOS, QV_GE);
+    EXPECT_EQ(ctrl.Inicializa(&db), S_OK);
+    std::vector<std::string> nomes;
+    for (const auto& e : *ctrl.GetPtrRegistros()) nomes.push_back(e.sTexto);
+    return nomes;
+  }
+  std::string Caminho(const std::string& nome) const { return m_Dir + "/" + nome; }
+
+  std::string m_Dir;
+  std::vector<std::unique_ptr<CQVDataBase>> m_DBs;
+  HRESULT m_hr = S_OK;
+};
+
+}  // namespace
+
+TEST_F(QVControleTest, ListaNaPrimeiraAberturaEscritaERecusaArquivoSumido) {
+  {
+    auto f = Arquivo();
+    EXPECT_TRUE(Lista().empty());  // loading a file that does not exist lists nothing
+    QVUInt pos = 0;
+    ASSERT_EQ(f->Grava(pos, QVTesteRegistro(1)), S_OK);  // the creating open lists it
+    EXPECT_EQ(Lista(), std::vector<std::string>{"GEATRPS.dat"});
+  }
+  // The control file never has a header: just the count and the name.
+  EXPECT_EQ(QVTesteBytes(Caminho("QVDATABASE_FILE_CTRL.dat")), std::string("\x0B\x00\x00\x00GEATRPS.dat", 15));
+  const std::string antes = QVTesteBytes(Caminho("QVDATABASE_FILE_CTRL.dat"));
+  { auto f = Arquivo(); }
+  EXPECT_EQ(QVTesteBytes(Caminho("QVDATABASE_FILE_CTRL.dat")), antes);  // opening again changes nothing
+
+  // Gone behind the system's back: refused, not re-created empty.
+  std::filesystem::remove(Caminho("GEATRPS.dat"));
+  auto f = Arquivo();
+  EXPECT_EQ(m_hr, E_QVCR_INCONSISTENCIA_CONTROLE_CRIACAO_ARQUIVOS);
+  QVUInt pos = 0;
+  EXPECT_EQ(f->Grava(pos, QVTesteRegistro(1)), E_QVCR_INCONSISTENCIA_CONTROLE_CRIACAO_ARQUIVOS);
+  EXPECT_FALSE(std::filesystem::exists(Caminho("GEATRPS.dat")));
+}
+
+TEST_F(QVControleTest, ArquivoExistenteEntraNaListaSemCaixa) {
+  QVTesteGravaBytes(Caminho("geatpc.DAT"), "");
+  { auto f = Arquivo("GEATPC.dat"); }
+  EXPECT_EQ(Lista(), std::vector<std::string>{"GEATPC.dat"});
+  { auto f = Arquivo("GeAtPc.dat"); }
+  EXPECT_EQ(Lista().size(), 1u);
+  // Read-only opens neither consult nor change the control.
+  QVTesteGravaBytes(Caminho("LEITURA.dat"), "");
+  { auto f = Arquivo("LEITURA.dat", true); }
+  EXPECT_EQ(Lista().size(), 1u);
+  // Nor does a file whose control was switched off.
+  QVTesteGravaBytes(Caminho("SEMCONTROLE.dat"), "");
+  CQVFile<REG_TESTE> semControle("SEMCONTROLE.dat", QV_GE);
+  semControle.SetDiretorio(m_Dir);
+  ASSERT_EQ(semControle.DesabilitaControleCriacaoArquivos(), S_OK);
+  ASSERT_EQ(semControle.Inicializa(&QVTesteIdentidade()), S_OK);
+  EXPECT_EQ(Lista().size(), 1u);
+}
+
+TEST_F(QVControleTest, ArquivoApagadoSaiDaListaECopiaTemporariaImpede) {
+  auto f = Arquivo("GEAtDedu.dat");
+  QVUInt pos = 0;
+  ASSERT_EQ(f->Grava(pos, QVTesteRegistro(1)), S_OK);
+  auto g = Arquivo("GEATPC.dat");
+  ASSERT_EQ(g->Grava(pos = 0, QVTesteRegistro(1)), S_OK);
+  EXPECT_EQ(Lista().size(), 2u);
+
+  ASSERT_EQ(f->DeletaArquivo(), S_OK);
+  EXPECT_EQ(Lista(), std::vector<std::string>{"GEATPC.dat"});
+  // No longer listed: it may be created anew.
+  ASSERT_EQ(f->Grava(pos = 0, QVTesteRegistro(2)), S_OK);
+  EXPECT_EQ(Lista().size(), 2u);
+
+  // An interrupted rewrite of the control left its copy: removal stops.
+  QVTesteGravaBytes(Caminho("QVDATABASE_FILE_CTRL.tra"), "");
+  EXPECT_EQ(g->DeletaArquivo(), E_QVCR_ARQUIVO_TRA_ENCONTRADO);
+  EXPECT_EQ(Lista().size(), 2u);
+}
+
+namespace {
+
+// A company's database of one file, with the header written once at the end.
+class CDBTeste : public CQVDataBase {
+ public:
+  CDBTeste() : CQVDataBase(QV_GE) {
+    SetAtualizacaoCabecalhoAdiada(true);
+    AddFile(&m_Arquivo);
+  }
+  ~CDBTeste() override { QV_LOGA(Finaliza()); }
+  CQVFile<REG_TESTE> m_Arquivo{"GEATRPS.dat", QV_GE};
+};
+
+std::atomic<int> g_iConversoes{0};
+std::atomic<HRESULT> g_hrConversao{S_OK};
+
+class CServidorTeste : public CQVDataBaseFacade<CDBTeste, CQVBaseParaRotinas> {
+ public:
+  ~CServidorTeste() override { QV_LOGA(Finaliza()); }
+  std::uint32_t GetModulo() const override { return QV_GE; }
+
+ protected:
+  HRESULT OnInicializa() override {
+    QV_CHECK(CQVBaseParaRotinas::OnInicializa());
+    QV_CHECK(QVDataBaseInicializa());
+    return S_OK;
+  }
+  HRESULT ExecutaConversao() override {
+    ++g_iConversoes;
+    Sleep(50);  // long enough for a second object to come in meanwhile
+    return g_hrConversao;
+  }
+};
+
+class QVFacadeTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    g_iConversoes = 0;
+    g_hrConversao = S_OK;
+  }
+  static std::string Caminho(const std::string& empresa) { return QVRaizDados() + "/" + empresa + "/GE/GEATRPS.dat"; }
+  auto& Container() { return CQVContainerFacade<CDBTeste>::Instancia(); }
+};
+
+}  // namespace
+
+TEST_F(QVFacadeTest, ObjetosDaMesmaEmpresaPartilhamOBancoEOUltimoFecha) {
+  CServidorTeste a, b;
+  ASSERT_EQ(a.Inicializa(QVTesteInicializaPS("EMPRESA_PARTILHA")), S_OK);
+  ASSERT_EQ(b.Inicializa(QVTesteInicializaPS("Empresa_Partilha")), S_OK);  // one company, any case
+  ASSERT_EQ(a.GetDataBase(), b.GetDataBase());
+  EXPECT_EQ(Container().GetQtdUsuarios("EMPRESA_PARTILHA", QV_GE), 2);
+  QVUInt pos = 0;
+  ASSERT_EQ(a.GetDataBase()->m_Arquivo.Grava(pos, QVTesteRegistro(1)), S_OK);
+  ASSERT_EQ(b.GetDataBase()->m_Arquivo.Grava(pos = 0, QVTesteRegistro(2)), S_OK);
+  const auto criado = QVTesteLeCabecalho(Caminho("EMPRESA_PARTILHA"));
+
+  ASSERT_EQ(a.Finaliza(), S_OK);
+  EXPECT_TRUE(Container().EstaAberto("EMPRESA_PARTILHA", QV_GE));
+  EXPECT_EQ(QVTesteLeCabecalho(Caminho("EMPRESA_PARTILHA")).uiContadorAtualizacoes, criado.uiContadorAtualizacoes);
+  ASSERT_EQ(b.Finaliza(), S_OK);
+  EXPECT_FALSE(Container().EstaAberto("EMPRESA_PARTILHA", QV_GE));
+  // Written once, at the end, with the length of both records.
+  const auto fechado = QVTesteLeCabecalho(Caminho("EMPRESA_PARTILHA"));
+  EXPECT_EQ(fechado.uiContadorAtualizacoes, criado.uiContadorAtualizacoes + 1);
+  EXPECT_EQ(fechado.uiTamanhoDados, 64u);
+  EXPECT_EQ(g_iConversoes, 1);
+}
+
+TEST_F(QVFacadeTest, ConversaoUmaVezPorEmpresaMesmoComCorrida) {
+  CServidorTeste a, b, c;
+  HRESULT hrA = E_FAIL, hrB = E_FAIL;
+  std::thread ta([&] { hrA = a.Inicializa(QVTesteInicializaPS("EMPRESA_CORRIDA")); });
+  std::thread tb([&] { hrB = b.Inicializa(QVTesteInicializaPS("EMPRESA_CORRIDA")); });
+  ta.join();
+  tb.join();
+  ASSERT_EQ(hrA, S_OK);
+  ASSERT_EQ(hrB, S_OK);
+  EXPECT_EQ(g_iConversoes, 1);
+  EXPECT_EQ(a.GetDataBase(), b.GetDataBase());
+  // Closed and opened again in the same process: still converted once.
+  ASSERT_EQ(a.Finaliza(), S_OK);
+  ASSERT_EQ(b.Finaliza(), S_OK);
+  ASSERT_EQ(c.Inicializa(QVTesteInicializaPS("EMPRESA_CORRIDA")), S_OK);
+  EXPECT_EQ(g_iConversoes, 1);
+  // Another company converts on its own.
+  CServidorTeste d;
+  ASSERT_EQ(d.Inicializa(QVTesteInicializaPS("EMPRESA_OUTRA")), S_OK);
+  EXPECT_EQ(g_iConversoes, 2);
+  EXPECT_NE(c.GetDataBase(), d.GetDataBase());
+}
+
+TEST_F(QVFacadeTest, ConversaoQueFalhaNaoAbreEVoltaATentar) {
+  g_hrConversao = E_QVCR_VERSAO_DADOS_SUPERIOR_VERSAO_SISTEMA;
+  CServidorTeste a;
+  EXPECT_EQ(a.Inicializa(QVTesteInicializaPS("EMPRESA_FALHA")), E_QVCR_VERSAO_DADOS_SUPERIOR_VERSAO_SISTEMA);
+  EXPECT_EQ(a.GetDataBase(), nullptr);
+  EXPECT_FALSE(Container().EstaAberto("EMPRESA_FALHA", QV_GE));
+  EXPECT_FALSE(std::filesystem::exists(Caminho("EMPRESA_FALHA")));
+  g_hrConversao = S_OK;
+  ASSERT_EQ(a.Inicializa(QVTesteInicializaPS("EMPRESA_FALHA")), S_OK);
+  EXPECT_EQ(g_iConversoes, 2);
+}
+
+TEST_F(QVFacadeTest, SemEmpresaNadaEhAberto) {
+  class CSemEmpresa : public CServidorTeste {
+   public:
+    HRESULT Abre() { return QVDataBaseInicializa(); }
+  } s;
+  EXPECT_EQ(s.Abre(), E_QVCR_INICIALIZACAO_QVDATABASE_SEM_EMPRESA);
+  EXPECT_EQ(g_iConversoes, 0);
+  EXPECT_EQ(s.GetDataBase(), nullptr);
+}
