@@ -59,3 +59,9 @@ std::string CQVDataBaseUtil::Extensao(const std::string& sNomeArquivo) {
   const std::size_t ponto = sNomeArquivo.find_last_of('.');
   return ponto == std::string::npos ? std::string() : sNomeArquivo.substr(ponto + 1);
 }
+
+HRESULT CQVDataBaseUtil::InicializaDataBaseDoChamador(CQVDataBase* pDB, const IQVDF_Profiler* pProfiler) {
+  if (const auto* pArquivo = dynamic_cast<const IQVFileBase*>(pProfiler)) pDB->SetDiretorio(pArquivo->GetDiretorio());
+  QV_CHECK(pDB->Inicializa(pProfiler));
+  return S_OK;
+}

@@ -37,6 +37,10 @@ class CQVDataBaseUtil {
   [[nodiscard]] static HRESULT GravaSingleReg(const IQVDF_Profiler* pProfiler, std::uint32_t eModulo,
                                               const T& registro, const std::string& sNomeArquivo);
 
+  // A database of its own for a caller's file: the caller's identity, and its
+  // directory when the caller is a file that has one.
+  [[nodiscard]] static HRESULT InicializaDataBaseDoChamador(CQVDataBase* pDB, const IQVDF_Profiler* pProfiler);
+
   // "GEATPRJ.dat" -> "GEATPRJ.tra".
   static std::string NomeArquivoTRA(const std::string& sNomeArquivo);
   // The extension after the last '.', "" when there is none.
@@ -44,14 +48,12 @@ class CQVDataBaseUtil {
 };
 
 // A single-record file is opened through a database of its own, so that it
-// takes the caller's company, user and session; a caller that is itself a
-// file of a database with its own directory keeps that directory.
+// takes the caller's company, user and session.
 template <class T>
 HRESULT CQVDataBaseUtil::LeSingleReg(const IQVDF_Profiler* pProfiler, std::uint32_t eModulo, T* pRegistro,
                                      const std::string& sNomeArquivo) {
   CQVDataBase qvDB(eModulo);
-  if (const auto* pArquivo = dynamic_cast<const IQVFileBase*>(pProfiler)) qvDB.SetDiretorio(pArquivo->GetDiretorio());
-  QV_CHECK(qvDB.Inicializa(pProfiler));
+  QV_CHECK(InicializaDataBaseDoChamador(&qvDB, pProfiler));
   CQVFileSingleReg<T> arquivo(sNomeArquivo, eModulo);
   QV_CHECK(arquivo.Inicializa(&qvDB));
   QV_CHECK(arquivo.Le(pRegistro));
@@ -62,8 +64,7 @@ template <class T>
 HRESULT CQVDataBaseUtil::GravaSingleReg(const IQVDF_Profiler* pProfiler, std::uint32_t eModulo, const T& registro,
                                         const std::string& sNomeArquivo) {
   CQVDataBase qvDB(eModulo);
-  if (const auto* pArquivo = dynamic_cast<const IQVFileBase*>(pProfiler)) qvDB.SetDiretorio(pArquivo->GetDiretorio());
-  QV_CHECK(qvDB.Inicializa(pProfiler));
+  QV_CHECK(InicializaDataBaseDoChamador(&qvDB, pProfiler));
   CQVFileSingleReg<T> arquivo(sNomeArquivo, eModulo);
   QV_CHECK(arquivo.Inicializa(&qvDB));
   QV_CHECK(arquivo.Grava(registro));

@@ -10,6 +10,7 @@
 #include <atomic>
 #include <fstream>
 
+#include "tests/support/QVProcessoFilho.h"
 #include "tests/support/QVTestSupport.h"
 
 namespace {
@@ -29,76 +30,28 @@ std::uint32_t ErroAoAbrir(IQVOsFile& arquivo, const std::string& caminho, std::u
   return arquivo.Open(caminho, flags) ? 0 : arquivo.LastError();
 }
 
-// A second process that opens the file on command with its own file object.
-// It is forked before the test opens anything: a child forked later would
-// share the test's open files, and with them their sharing locks.
+// A second process that opens the file on command with its own file object
+// (answering 0 or the Win32 error) or closes it.
 class COutroProcesso {
  public:
-  explicit COutroProcesso(const std::string& caminho) {
-    int cmd[2];
-    int resp[2];
-    if (::pipe(cmd) != 0 || ::pipe(resp) != 0) std::abort();
-    pid_ = ::fork();
-    if (pid_ == 0) {
-      // The child must not hold the command pipe's writing end: its reads
-      // would never see the end when the test closes it.
-      ::close(cmd[1]);
-      ::close(resp[0]);
-      Atende(cmd[0], resp[1], caminho);
-    }
-    ::close(cmd[0]);
-    ::close(resp[1]);
-    cmd_ = cmd[1];
-    resp_ = resp[0];
+  explicit COutroProcesso(const std::string& caminho)
+      : m_Filho([arquivo = std::shared_ptr<IQVOsFile>(QVCreateRealOsFile()), caminho](std::int32_t pedido) {
+          if (pedido == kFecha) {
+            arquivo->Close();
+            return 0;
+          }
+          return static_cast<std::int32_t>(ErroAoAbrir(*arquivo, caminho, static_cast<std::uint32_t>(pedido)));
+        }) {}
+  std::uint32_t Abre(std::uint32_t flags) {
+    return static_cast<std::uint32_t>(m_Filho.Pede(static_cast<std::int32_t>(flags)));
   }
-  ~COutroProcesso() {
-    ::close(cmd_);
-    ::close(resp_);
-    if (pid_ > 0) ::waitpid(pid_, nullptr, 0);
-  }
-
-  // 0 or the Win32 error of its open.
-  std::uint32_t Abre(std::uint32_t flags) { return Pede(flags); }
-  void Fecha() { Pede(kFecha); }
+  void Fecha() { m_Filho.Pede(kFecha); }
   // Ends the process with the file still open; its exit status.
-  int MorreSemFechar() {
-    Pede(kMorre);
-    int status = -1;
-    ::waitpid(pid_, &status, 0);
-    pid_ = -1;
-    return status;
-  }
+  int MorreSemFechar() { return m_Filho.MorreSemFechar(); }
 
  private:
-  static constexpr std::uint32_t kFecha = 0xFFFFFFFFu;
-  static constexpr std::uint32_t kMorre = 0xFFFFFFFEu;
-
-  std::uint32_t Pede(std::uint32_t pedido) {
-    std::uint32_t r = 0xFFFFFFFFu;
-    if (::write(cmd_, &pedido, sizeof pedido) != sizeof pedido) return r;
-    if (pedido != kMorre && ::read(resp_, &r, sizeof r) != sizeof r) return 0xFFFFFFFFu;
-    return r;
-  }
-
-  [[noreturn]] static void Atende(int in, int out, const std::string& caminho) {
-    auto arquivo = QVCreateRealOsFile();
-    std::uint32_t pedido = 0;
-    while (::read(in, &pedido, sizeof pedido) == sizeof pedido) {
-      if (pedido == kMorre) ::_exit(0);
-      std::uint32_t r = 0;
-      if (pedido == kFecha) {
-        arquivo->Close();
-      } else {
-        r = ErroAoAbrir(*arquivo, caminho, pedido);
-      }
-      if (::write(out, &r, sizeof r) != sizeof r) ::_exit(2);
-    }
-    ::_exit(0);
-  }
-
-  pid_t pid_ = -1;
-  int cmd_ = -1;
-  int resp_ = -1;
+  static constexpr std::int32_t kFecha = -1;
+  CQVProcessoFilho m_Filho;
 };
 
 }  // namespace
@@ -412,19 +365,3 @@ TEST(QVOsFile, DiretoriosEListagem) {
   EXPECT_EQ(QVSyncDirectory(base + "/falta"), HRESULT_FROM_WIN32(ERROR_PATH_NOT_FOUND));
 }
 
-TEST(QVOsFile, FabricaInstalavel) {
-  IQVOsFile* criado = nullptr;
-  QVSetOsFileFactory([&criado] {
-    auto arquivo = QVCreateRealOsFile();
-    criado = arquivo.get();
-    return arquivo;
-  });
-  auto duble = QVCreateOsFile();
-  EXPECT_EQ(duble.get(), criado);
-  criado = nullptr;
-  EXPECT_NE(QVCreateRealOsFile(), nullptr);  // the real one stays reachable, past the factory
-  EXPECT_EQ(criado, nullptr);
-  QVSetOsFileFactory({});
-  EXPECT_NE(QVCreateOsFile(), nullptr);
-  EXPECT_EQ(criado, nullptr);
-}

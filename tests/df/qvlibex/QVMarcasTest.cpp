@@ -15,6 +15,7 @@
 #include "df/qvlibex/CQVDatabaseMarcaNucleo.h"
 #include "df/qvlibex/QVCodigos.h"
 #include "platform/QVClock.h"
+#include "tests/support/QVProcessoFilho.h"
 #include "tests/support/QVTestSupport.h"
 
 namespace {
@@ -27,57 +28,19 @@ class QVMarcas : public ::testing::Test {
   void TearDown() override { CQVArqMarca::DefineEsperaParaTestes(CQVArqMarca::kEsperaPadraoMs, 10); }
 };
 
-// A second process that marks and unmarks on command, one mark object per
-// type. Forked before the test opens anything: a child forked later would
-// share the test's open files, and with them their locks.
+// A second process that marks (tipo > 0) and unmarks (-tipo) on command, one
+// mark object per type; Pede(0) ends it without unmarking, as a crash would.
 class COutroProcesso {
  public:
-  explicit COutroProcesso(const std::string& sPasta) {
-    int cmd[2];
-    int resp[2];
-    if (::pipe(cmd) != 0 || ::pipe(resp) != 0) std::abort();
-    m_pid = ::fork();
-    if (m_pid == 0) {
-      ::close(cmd[1]);  // else its reads never see the test's end
-      Atende(cmd[0], resp[1], sPasta);
-    }
-    ::close(cmd[0]);
-    ::close(resp[1]);
-    m_cmd = cmd[1];
-    m_resp = resp[0];
-  }
-  ~COutroProcesso() {
-    ::close(m_cmd);
-    ::close(m_resp);
-    if (m_pid > 0) ::waitpid(m_pid, nullptr, 0);
-  }
-
-  // tipo > 0 marks, -tipo unmarks, 0 ends the process without unmarking.
-  std::int32_t Pede(std::int32_t pedido) {
-    std::int32_t r = -1;
-    if (::write(m_cmd, &pedido, sizeof pedido) != sizeof pedido || ::read(m_resp, &r, sizeof r) != sizeof r) r = -1;
-    if (pedido == 0) {  // gone only once reaped: its files close after the pipe
-      ::waitpid(m_pid, nullptr, 0);
-      m_pid = -1;
-    }
-    return r;
-  }
+  explicit COutroProcesso(const std::string& sPasta)
+      : m_Filho([marcas = std::make_shared<std::map<std::int32_t, CQVArqMarca>>(), sPasta](std::int32_t pedido) {
+          return pedido > 0 ? (*marcas)[pedido].Marca(sPasta, static_cast<std::uint8_t>(pedido), 9, "GE")
+                            : (*marcas)[-pedido].Desmarca();
+        }) {}
+  std::int32_t Pede(std::int32_t pedido) { return pedido == 0 ? m_Filho.MorreSemFechar() : m_Filho.Pede(pedido); }
 
  private:
-  [[noreturn]] static void Atende(int in, int out, const std::string& sPasta) {
-    std::map<std::int32_t, CQVArqMarca> marcas;
-    std::int32_t pedido = 0;
-    while (::read(in, &pedido, sizeof pedido) == sizeof pedido && pedido != 0) {
-      const std::int32_t r = pedido > 0 ? marcas[pedido].Marca(sPasta, static_cast<std::uint8_t>(pedido), 9, "GE")
-                                        : marcas[-pedido].Desmarca();
-      if (::write(out, &r, sizeof r) != sizeof r) ::_exit(2);
-    }
-    ::_exit(0);
-  }
-
-  pid_t m_pid = -1;
-  int m_cmd = -1;
-  int m_resp = -1;
+  CQVProcessoFilho m_Filho;
 };
 
 std::vector<std::string> Arquivos(const std::string& sPasta) {
