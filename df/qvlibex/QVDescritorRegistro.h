@@ -38,6 +38,7 @@ struct QVCampoPonteiro {
   std::uint8_t largContagem;  // Array, Registros: 2 or 4 bytes
   std::uint32_t tamElemento;  // Array: bytes per element
   const QVDescritorRegistro* elemento;  // Registros, Aninhado
+  bool bTexto = false;  // Array of bytes that, when present, ends with its terminating zero
 };
 
 struct QVDescritorRegistro {
@@ -56,6 +57,10 @@ const QVDescritorRegistro& QVDescritor();
 #define QV_CAMPO_ARRAY(T, campo, contagem)                                                              \
   QVCampoPonteiro{#campo, offsetof(T, campo), EQVCampoPonteiro::Array, offsetof(T, contagem),         \
                   sizeof(T::contagem), sizeof(*T::campo), nullptr}
+// A text: bytes counted with their terminating zero, which must be there.
+#define QV_CAMPO_TEXTO(T, campo, contagem)                                                              \
+  QVCampoPonteiro{#campo, offsetof(T, campo), EQVCampoPonteiro::Array, offsetof(T, contagem),         \
+                  sizeof(T::contagem), sizeof(*T::campo), nullptr, true}
 #define QV_CAMPO_REGISTROS(T, campo, contagem, descritor)                                                \
   QVCampoPonteiro{#campo, offsetof(T, campo), EQVCampoPonteiro::Registros, offsetof(T, contagem),      \
                   sizeof(T::contagem), sizeof(*T::campo), &(descritor)}

@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr QVCampoPonteiro kCamposTexto[] = {QV_CAMPO_ARRAY(_REG_DF_TEXTOPS, pTexto, ulQtdBytes)};
+constexpr QVCampoPonteiro kCamposTexto[] = {QV_CAMPO_TEXTO(_REG_DF_TEXTOPS, pTexto, ulQtdBytes)};
 constexpr QVCampoPonteiro kCamposFuncao[] = {
     QV_CAMPO_ARRAY(_REG_DF_FUNCAO_GENERICAPS, pListaBytes, ulQtdBytes)};
 constexpr QVCampoPonteiro kCamposListaDmc[] = {QV_CAMPO_ARRAY(_REG_DF_LISTA_QVDMCPS, pLista, ulQuantidade)};

@@ -19,7 +19,7 @@ namespace {
 
 // ---- Search -----------------------------------------------------------------
 
-constexpr QVCampoPonteiro kCamposIeCampo[] = {QV_CAMPO_ARRAY(IE_CAMPO_DATA_PS, pcTexto, ulTamanhoTexto)};
+constexpr QVCampoPonteiro kCamposIeCampo[] = {QV_CAMPO_TEXTO(IE_CAMPO_DATA_PS, pcTexto, ulTamanhoTexto)};
 constexpr QVDescritorRegistro kIeCampo{"IE_CAMPO_DATA_PS", sizeof(IE_CAMPO_DATA_PS), kCamposIeCampo};
 
 // The 20 linked-information values are embedded by value, each owning its

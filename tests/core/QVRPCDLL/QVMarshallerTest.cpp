@@ -1,0 +1,129 @@
+// Records carried between processes: round trips of every family, the
+// canonical bytes, and every refusal.
+#include "core/QVRPCDLL/QVMarshaller.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "platform/QVBstr.h"
+#include "tests/support/QVTesteRegistros.h"
+
+namespace {
+
+std::span<const std::uint8_t> Bytes(const std::string& s) {
+  return {reinterpret_cast<const std::uint8_t*>(s.data()), s.size()};
+}
+
+// Marshals, unmarshals and compares with everything followed; both sides
+// are freed (the sanitizer build sees a leak or a shared buffer).
+template <class T>
+void IdaEVolta(T original) {
+  std::string fixo, anexos;
+  QVMarshal(original, &fixo, &anexos);
+  ASSERT_EQ(fixo.size(), sizeof(T));
+  T recebido;
+  ASSERT_EQ(QVUnmarshal(Bytes(fixo), Bytes(anexos), &recebido), S_OK);
+  EXPECT_TRUE(QVIguais(original, recebido));
+  // Marshalling what was received gives the same bytes again.
+  std::string fixo2, anexos2;
+  QVMarshal(recebido, &fixo2, &anexos2);
+  EXPECT_EQ(fixo2, fixo);
+  EXPECT_EQ(anexos2, anexos);
+  QVLibera(&original);
+  QVLibera(&recebido);
+}
+
+}  // namespace
+
+TEST(QVMarshaller, IdaEVoltaDeCadaFamilia) {
+  IdaEVolta(AtendimentoCompleto());
+  auto lista = Zerado<_REG_LISTA_REGISTROS_PS>();
+  lista.iQuantidadeRegistros = 2;
+  lista.pRegistros = Novo<_REG_ATENDIMENTO_PS>(2);
+  lista.pRegistros[0] = AtendimentoCompleto();
+  lista.pRegistros[1] = AtendimentoCompleto();
+  IdaEVolta(lista);
+  IdaEVolta(FiltroComListas());
+  auto rel = Zerado<_REG_RELATORIO_ATENDIMENTO_PS>();
+  rel.RegFiltroPs = FiltroComListas();
+  IdaEVolta(rel);
+  auto props = Zerado<_REG_PROPRIEDADES_ATENDIMENTO_PS>();
+  Texto(props.rNomeCliente2, "Solicitante");
+  props.lProximoNumero = 77;
+  IdaEVolta(props);
+  auto agenda = Zerado<_REG_REL_CONSULTA_AGENDAMENTO>();
+  agenda.regLista.lQuantidade = 1;
+  agenda.regLista.pAgendamentos = Novo<_REG_AGENDAMENTO_REL>(1);
+  agenda.regLista.pAgendamentos[0].bsCliente = QVBstrFromUtf8("Padaria Estrela");
+  IdaEVolta(agenda);
+  IdaEVolta(QVMontaInicializaPS({.empresa = "ACME", .aplicativo = "a", .moduleName = "m", .arquivoFonte = "f"}));
+  auto erro = Zerado<_REG_DF_ERROPS>();
+  erro.hr = E_FAIL;
+  std::strcpy(erro.cMensagem, "falha");
+  IdaEVolta(erro);
+}
+
+TEST(QVMarshaller, BytesCanonicos) {
+  auto t = Zerado<_REG_DF_TEXTOPS>();
+  Texto(t, "A");
+  t.cFiller[1] = 7;  // fillers travel as they are
+  std::string fixo, anexos;
+  QVMarshal(t, &fixo, &anexos);
+  EXPECT_EQ(fixo, std::string("\x02\x00\x00\x00\x00\x07\x00\x00", 8) + std::string(16, '\0'));  // pointers zeroed
+  EXPECT_EQ(anexos, std::string("A\0", 2));
+  QVLibera(&t);
+
+  // A null pointer with a count travels as count 0; a system string as its
+  // byte length and UTF-16 units.
+  auto a = Zerado<_REG_AGENDAMENTO_REL>();
+  a.bsExecutor = QVBstrFromUtf8("Jo");
+  auto l = Zerado<_REG_LISTA_PONTEIROS_PS>();
+  l.iQuantidadePonteiros = 5;
+  QVMarshal(l, &fixo, &anexos);
+  EXPECT_EQ(fixo, std::string(24, '\0'));
+  EXPECT_EQ(anexos, "");
+  QVMarshal(a, &fixo, &anexos);
+  EXPECT_EQ(anexos, std::string("\x04\x00\x00\x00J\x00o\x00", 8) + std::string(12, '\0'));  // then 3 empty strings
+  QVLibera(&a);
+}
+
+TEST(QVMarshaller, DadosRuinsSaoRecusadosSemVazar) {
+  auto original = AtendimentoCompleto();
+  std::string fixo, anexos;
+  QVMarshal(original, &fixo, &anexos);
+  QVLibera(&original);
+  _REG_ATENDIMENTO_PS r;
+  // A record of another size, either way.
+  EXPECT_EQ(QVUnmarshal(Bytes(fixo.substr(1)), Bytes(anexos), &r), RPC_X_BAD_STUB_DATA);
+  EXPECT_EQ(QVUnmarshal(Bytes(fixo + "x"), Bytes(anexos), &r), RPC_X_BAD_STUB_DATA);
+  // Owned data cut at any point, or running on after the last field.
+  for (std::size_t n = 0; n < anexos.size(); ++n)
+    ASSERT_EQ(QVUnmarshal(Bytes(fixo), Bytes(anexos.substr(0, n)), &r), RPC_X_BAD_STUB_DATA) << n;
+  EXPECT_EQ(QVUnmarshal(Bytes(fixo), Bytes(anexos + "x"), &r), RPC_X_BAD_STUB_DATA);
+  EXPECT_EQ(r.pServicos, nullptr);  // a refused record owns nothing
+  EXPECT_EQ(r.iQuantidadeServicoAtend, 0u);
+  // More elements than the limit allow.
+  EXPECT_EQ(QVUnmarshal(Bytes(fixo), Bytes(anexos), &r, QVLimitesMarshal{.ulMaxElementos = 2}), RPC_X_BAD_STUB_DATA);
+
+  // A huge count behind a few bytes: refused before anything is allocated.
+  auto filtro = FiltroComListas();
+  QVMarshal(filtro, &fixo, &anexos);
+  QVLibera(&filtro);
+  std::int32_t menosUm = -1;
+  std::memcpy(fixo.data() + offsetof(_REG_FILTRO_ATENDIMENTO_PS, iQtdeMA), &menosUm, 4);
+  _REG_FILTRO_ATENDIMENTO_PS f;
+  EXPECT_EQ(QVUnmarshal(Bytes(fixo), Bytes(anexos), &f), RPC_X_BAD_STUB_DATA);
+
+  // A text without its terminating zero; a system string of an odd length.
+  auto t = Zerado<_REG_DF_TEXTOPS>();
+  t.ulQtdBytes = 2;
+  std::string fixoTexto(reinterpret_cast<const char*>(&t), sizeof t);
+  EXPECT_EQ(QVUnmarshal(Bytes(fixoTexto), Bytes(std::string("AB")), &t), RPC_X_BAD_STUB_DATA);
+  EXPECT_EQ(QVUnmarshal(Bytes(fixoTexto), Bytes(std::string("A\0", 2)), &t), S_OK);
+  QVLibera(&t);
+  auto a = Zerado<_REG_AGENDAMENTO_REL>();
+  std::string fixoAgenda(reinterpret_cast<const char*>(&a), sizeof a);
+  EXPECT_EQ(QVUnmarshal(Bytes(fixoAgenda), Bytes(std::string("\x03\x00\x00\x00xyz", 7) + std::string(12, '\0')), &a),
+            RPC_X_BAD_STUB_DATA);
+}

@@ -1,0 +1,38 @@
+// Sample wire records with every owned part present, for the tests of
+// what copies, compares, frees and carries records.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstring>
+#include <string_view>
+
+#include "df/qvlibex/QVRegistrosDF.h"
+#include "ge/zelkorin/ZelkorinRegistros.h"
+#include "platform/QVTaskMem.h"
+
+template <class T>
+T* Novo(std::size_t n) {
+  auto* p = static_cast<T*>(CoTaskMemAlloc(n * sizeof(T)));
+  std::memset(static_cast<void*>(p), 0, n * sizeof(T));
+  return p;
+}
+
+template <class T>
+T Zerado() {
+  T r;
+  std::memset(static_cast<void*>(&r), 0, sizeof r);
+  return r;
+}
+
+inline void Texto(_REG_DF_TEXTOPS& t, std::string_view s) { ASSERT_EQ(QVTextoPsDefine(&t, s), S_OK); }
+
+// A call with services (sessions, classifications with management shares,
+// withholdings with INSS deductions, EFD-REINF processes), an expense,
+// representatives, classifications, calendar events with their texts,
+// follow-up references and system strings.
+_REG_ATENDIMENTO_PS AtendimentoCompleto();
+// A filter with month and position lists and info-plus texts in two of its
+// 20 slots.
+_REG_FILTRO_ATENDIMENTO_PS FiltroComListas();
