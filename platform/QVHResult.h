@@ -102,3 +102,6 @@ constexpr std::uint32_t ERROR_ALREADY_EXISTS = 183;
 constexpr std::uint32_t ERROR_FILENAME_EXCED_RANGE = 206;
 constexpr std::uint32_t ERROR_DIRECTORY = 267;
 constexpr std::uint32_t ERROR_FILE_READ_ONLY = 6009;
+// The transport's: no server answers at the address; the address is taken.
+constexpr std::uint32_t RPC_S_SERVER_UNAVAILABLE = 1722;
+constexpr std::uint32_t WSAEADDRINUSE = 10048;

@@ -110,6 +110,7 @@ constexpr QVPlatformError kErrors[] = {
     {1726, "RPC_S_CALL_FAILED", "A chamada remota falhou"},
     {1783, "RPC_X_BAD_STUB_DATA", "Dados inválidos na chamada remota"},
     {6009, "ERROR_FILE_READ_ONLY", "O arquivo é somente leitura"},
+    {10048, "WSAEADDRINUSE", "O endereço já está em uso"},
 };
 
 struct Facility {

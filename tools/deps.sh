@@ -7,6 +7,7 @@ ZELKORIN_PACOTES=(
   g++ cmake ninja-build pkg-config
   libgtest-dev libgmock-dev libbenchmark-dev
   nlohmann-json3-dev libfmt-dev libcli11-dev
+  capnproto libcapnp-dev
 )
 
 zelkorin_instala_dependencias() {

@@ -1,7 +1,11 @@
 // zelkorin: the server's command-line program.
 //
-//   zelkorin sample [--root DIR] [--empresa NOME] [--usuario N] [--sessao N]
-//       runs the sample client session in this process and prints every answer.
+//   zelkorin sample [--socket PATH | --connect HOST:PORT | --root DIR] [--empresa NOME] [--usuario N] [--sessao N]
+//       runs the sample client session against a running server (or, with
+//       neither --socket nor --connect, against the classes in this process)
+//       and prints every answer.
+//   zelkorin serve | status ...
+//       runs the server, asks a running one how it is (ComandosServidor.h).
 //   zelkorin db header|verify|dump ...
 //       inspects data files without changing them (ComandosDb.h).
 #include <CLI/CLI.hpp>
@@ -13,6 +17,7 @@
 #include "ge/zelkorin/ZelkorinClasses.h"
 #include "suite/hostlink/QVSessaoSuite.h"
 #include "tools/zelkorin/ComandosDb.h"
+#include "tools/zelkorin/ComandosServidor.h"
 #include "tools/zelkorin/SessaoExemplo.h"
 
 namespace {
@@ -33,17 +38,37 @@ int main(int argc, char** argv) {
 
   std::string raiz;
   QVOpcoesSessaoExemplo opcoes;
-  CLI::App* sample = app.add_subcommand("sample", "Sessão de exemplo de um cliente, neste processo");
-  sample->add_option("--root", raiz, "Raiz dos dados (padrão: $ZELKORIN_ROOT ou ~/.local/share/zelkorin)");
+  QVOpcoesConexao conexao;
+  CLI::App* sample = app.add_subcommand("sample", "Sessão de exemplo de um cliente");
+  auto* optSocket = sample->add_option("--socket", conexao.sSocket, "Socket Unix de um servidor em execução");
+  auto* optConnect = sample->add_option("--connect", conexao.sEndereco, "HOST:PORTA de um servidor (TCP)");
+  auto* optRaiz =
+      sample->add_option("--root", raiz, "Sem servidor: raiz dos dados neste processo (padrão: $ZELKORIN_ROOT ou ~/.local/share/zelkorin)");
+  optSocket->excludes(optConnect);
+  optRaiz->excludes(optSocket)->excludes(optConnect);
   sample->add_option("--empresa", opcoes.empresa, "Empresa da sessão");
   sample->add_option("--usuario", opcoes.usuario, "Código do usuário");
   sample->add_option("--sessao", opcoes.numeroSessao, "Número da sessão");
 
   int codigoSaida = 0;
   QVRegistraComandosDb(app, &codigoSaida);
+  QVRegistraComandosServidor(app, &codigoSaida);
 
   CLI11_PARSE(app, argc, argv);
 
+  if (*sample && (!conexao.sSocket.empty() || !conexao.sEndereco.empty())) {
+    const std::string onde = conexao.sEndereco.empty() ? "unix:" + conexao.sSocket : "tcp:" + conexao.sEndereco;
+    std::printf("Zelkorin: sessão de exemplo no servidor em %s\n", onde.c_str());
+    std::shared_ptr<CQVConexaoZelkorin> c;
+    if (FAILED(QV_LOGA(CQVConexaoZelkorin::Conecta(conexao, &c)))) {
+      std::fprintf(stderr, "zelkorin: nenhum servidor responde em %s\n", onde.c_str());
+      return 1;
+    }
+    if (FAILED(QV_LOGA(c->RegistraClasses()))) return 1;
+    const int rc = QVExecutaSessaoExemplo(opcoes, stdout);
+    c->RevogaClasses();
+    return rc;
+  }
   if (*sample) {
     PreparaRaiz(raiz);
     std::printf("Zelkorin: sessão de exemplo (raiz de dados %s)\n", QVRaizDados().c_str());
