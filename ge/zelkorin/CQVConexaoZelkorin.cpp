@@ -112,7 +112,7 @@ HRESULT CQVConexaoZelkorin::Conecta(const QVOpcoesConexao& opcoes, std::shared_p
   c->m_Erros = kj::heap<CErrosTarefa>();
   c->m_Tarefas = kj::heap<kj::TaskSet>(*c->m_Erros);
   CQVConexaoZelkorin* bruto = c.get();
-  c->m_Tarefas->add(c->m_Rede->onDisconnect().then([bruto]() { bruto->m_bDesconectada = true; }));
+  c->m_Tarefas->add(c->m_Rede->onDisconnect().then([bruto]() { bruto->MarcaDesconectada(); }));
   *pp = std::move(c);
   return S_OK;
 }
@@ -124,12 +124,22 @@ CQVConexaoZelkorin::~CQVConexaoZelkorin() {
   Bombeia();
 }
 
+void CQVConexaoZelkorin::MarcaDesconectada() {
+  if (m_bDesconectada) return;
+  m_bDesconectada = true;
+  // Logged once, when the loss is found; later calls answer at once.
+  (void)QV_LOGA(RPC_E_DISCONNECTED);
+}
+
 void CQVConexaoZelkorin::Bombeia() {
   if (m_pIo) m_pIo->waitScope.poll();
 }
 
 HRESULT CQVConexaoZelkorin::Espera(kj::Promise<void>&& promessa) {
   kj::AsyncIoContext& io = *m_pIo;
+  // The loop's clock moves only when the loop runs: bring it to now, or a
+  // client idle for longer than the limit would time out at once.
+  io.waitScope.poll();
   bool expirou = false;
   auto comPrazo = promessa.exclusiveJoin(
       io.provider->getTimer().afterDelay(m_Opcoes.ulTempoLimiteMs * kj::MILLISECONDS).then([&expirou]() {
@@ -137,10 +147,7 @@ HRESULT CQVConexaoZelkorin::Espera(kj::Promise<void>&& promessa) {
       }));
   KJ_IF_MAYBE(e, kj::runCatchingExceptions([&]() { comPrazo.wait(io.waitScope); })) {
     if (e->getType() == kj::Exception::Type::DISCONNECTED || m_bDesconectada) {
-      const bool primeira = !m_bDesconectada;
-      m_bDesconectada = true;
-      // Logged when the connection is found lost; later calls answer at once.
-      if (primeira) QV_RETURN(RPC_E_DISCONNECTED);
+      MarcaDesconectada();
       return RPC_E_DISCONNECTED;
     }
     QVLogaFalhaHrEm("CQVConexaoZelkorin::Espera", "ge/zelkorin/CQVConexaoZelkorin", __LINE__,

@@ -81,6 +81,7 @@ class CQVConexaoZelkorin : public std::enable_shared_from_this<CQVConexaoZelkori
  private:
   CQVConexaoZelkorin() = default;
   [[nodiscard]] HRESULT Espera(kj::Promise<void>&& promessa);
+  void MarcaDesconectada();
 
   // Destroyed last: the thread's event loop outlives everything below.
   std::shared_ptr<kj::AsyncIoContext> m_pIo;

@@ -208,19 +208,22 @@ class CQVStubAtendimento final : public TQVStub<zk::Atendimento::Server, IQVGE_A
   HRESULT BuscaLeiautesAtendimento(A::BuscaLeiautesAtendimentoParams::Reader,
                                    A::BuscaLeiautesAtendimentoResults::Builder r) {
     BSTR bs = nullptr;
-    return DevolveLista(Objeto()->BuscaLeiautesAtendimento(&bs), bs, r);
+    const HRESULT hr = Objeto()->BuscaLeiautesAtendimento(&bs);
+    return DevolveLista(hr, bs, r);
   }
 
   HRESULT BuscaLeiautesAtendimentoDFCLAY(A::BuscaLeiautesAtendimentoDFCLAYParams::Reader,
                                          A::BuscaLeiautesAtendimentoDFCLAYResults::Builder r) {
     BSTR bs = nullptr;
-    return DevolveLista(Objeto()->BuscaLeiautesAtendimentoDFCLAY(&bs), bs, r);
+    const HRESULT hr = Objeto()->BuscaLeiautesAtendimentoDFCLAY(&bs);
+    return DevolveLista(hr, bs, r);
   }
 
   HRESULT BuscaLeiautesAtendimentoDFCMOD(A::BuscaLeiautesAtendimentoDFCMODParams::Reader,
                                          A::BuscaLeiautesAtendimentoDFCMODResults::Builder r) {
     BSTR bs = nullptr;
-    return DevolveLista(Objeto()->BuscaLeiautesAtendimentoDFCMOD(&bs), bs, r);
+    const HRESULT hr = Objeto()->BuscaLeiautesAtendimentoDFCMOD(&bs);
+    return DevolveLista(hr, bs, r);
   }
 
   HRESULT ConsistirNumeroAtendimentoPS(A::ConsistirNumeroAtendimentoPSParams::Reader p,

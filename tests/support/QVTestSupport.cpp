@@ -14,6 +14,9 @@ namespace fs = std::filesystem;
 
 const std::string& QVTesteDiretorio() {
   static const std::string dir = [] {
+    // A server or client process of the test shares its test's directory.
+    if (const char* herdado = std::getenv("ZELKORIN_TESTE_DIR"); herdado != nullptr && *herdado != '\0')
+      return std::string(herdado);
     std::string modelo = (fs::temp_directory_path() / "zelkorin-teste-XXXXXX").string();
     if (::mkdtemp(modelo.data()) == nullptr) std::abort();
     return modelo;

@@ -36,3 +36,16 @@ _REG_ATENDIMENTO_PS AtendimentoCompleto();
 // A filter with month and position lists and info-plus texts in two of its
 // 20 slots.
 _REG_FILTRO_ATENDIMENTO_PS FiltroComListas();
+
+// A record of any kind with everything its descriptor lists present: fixed
+// bytes (fillers and all) from a pattern of the seed, one to three elements
+// in each array (two levels of nested records), texts with their
+// terminating zero, short system strings with non-ASCII characters. The
+// same seed gives the same record in every process.
+void QVTesteAmostra(const QVDescritorRegistro& d, void* registro, std::uint32_t semente);
+template <class T>
+T Amostra(std::uint32_t semente = 1) {
+  T r;
+  QVTesteAmostra(QVDescritor<T>(), &r, semente);
+  return r;
+}

@@ -1,104 +1,59 @@
-// The call frame, over both classes: initialisation checks, the standard
-// business frame, the discard rule, the guard and the usage statistics.
+// The call frame, over both classes and both ways of reaching an object: in
+// this process, and through a server process over the transport. The same
+// tests run on every combination and look only at what a client can see
+// (statuses, records, the statistics function, the error log) and at what
+// the stand-in servers report through shared memory.
 #include "core/QVRPCDLL/T_QVUnknown.h"
 
 #include <gtest/gtest.h>
 #include <sys/mman.h>
+#include <sys/wait.h>
 
+#include <atomic>
 #include <cstring>
-#include <functional>
+#include <memory>
 #include <nlohmann/json.hpp>
 
 #include "df/qvlibex/QVException.h"
+#include "ge/zelkorin/CQVConexaoZelkorin.h"
 #include "ge/zelkorin/CQVGE_Atendimento.h"
 #include "ge/zelkorin/CQVGE_Projeto.h"
 #include "platform/QVTaskMem.h"
+#include "tests/support/QVServidorTeste.h"
 #include "tests/support/QVTestSupport.h"
 
 namespace {
 
 // What the stand-in server does when its business method is called.
-using Acao = std::function<HRESULT()>;
+enum class EAcao : std::int32_t {
+  Ok,
+  Codigo,            // returns the configured status
+  Lanca,             // throws an exception object by pointer
+  LancaDescarte,     // throws an exception carrying a discard status
+  EscritaInvalida,   // writes where it may not
+  Recursao,          // overflows its stack
+  ParametroInvalido, // raises the runtime's invalid-parameter event
+  FalhaConstrucao,   // its construction throws
+};
 
+// What one stand-in server saw, wherever it ran.
 struct Observacao {
-  int chamadas = 0;
-  bool acessoDefaultEraOServidor = false;
-  bool destruido = false;
+  std::atomic<std::int32_t> chamadas;
+  std::atomic<bool> acessoDefaultEraOServidor;
+  std::atomic<bool> acessoDefaultNuloAoCriar;
+  std::atomic<bool> destruido;
+  std::atomic<std::uint32_t> codigoSEH;  // the process's last, when it was destroyed
+  std::atomic<bool> temPilhaSEH;
 };
 
-template <class Base>
-class CServidorFalso : public Base {
- public:
-  CServidorFalso(Acao acao, Observacao* obs) : m_Acao(std::move(acao)), m_pObs(obs) {}
-  ~CServidorFalso() override { m_pObs->destruido = true; }
-
-  HRESULT Executa() {
-    ++m_pObs->chamadas;
-    m_pObs->acessoDefaultEraOServidor = CQVBaseParaRotinas::GetAcessoDefault() == this;
-    return m_Acao();
-  }
-
-  // The atendimento server's business method under test.
-  HRESULT LeAtendimento(std::uint16_t, std::uint32_t, _REG_ATENDIMENTO_PS*) { return Executa(); }
-  // The project server's.
-  HRESULT LeRegistro(std::uint32_t, _REG_PROJETO_ATENDIMENTO_PS*) { return Executa(); }
-
- private:
-  Acao m_Acao;
-  Observacao* m_pObs;
+constexpr int kObservacoes = 64;
+struct Compartilhado {
+  std::atomic<std::int32_t> proximo;  // the next object's observation slot
+  std::atomic<EAcao> acao;           // for the next object
+  std::atomic<HRESULT> hr;
+  Observacao obs[kObservacoes];
 };
-
-class CServidorAtendimentoFalso : public CServidorFalso<CGeServidorAtendimento> {
- public:
-  using CServidorFalso::CServidorFalso;
-  HRESULT LeAtendimento(std::uint16_t, std::uint32_t, _REG_ATENDIMENTO_PS*) override { return Executa(); }
-};
-
-class CServidorProjetoFalso : public CServidorFalso<CGeProjetoBase> {
- public:
-  using CServidorFalso::CServidorFalso;
-  HRESULT LeRegistro(std::uint32_t, _REG_PROJETO_ATENDIMENTO_PS*) override { return Executa(); }
-};
-
-struct Atendimento {
-  using Classe = CQVGE_Atendimento;
-  using Falso = CServidorAtendimentoFalso;
-  static constexpr const char* kMetodo = "CQVGE_Atendimento::LeAtendimento";
-  static HRESULT Negocio(Classe* o) {
-    _REG_ATENDIMENTO_PS reg;
-    return o->LeAtendimento(1, 1, &reg);
-  }
-};
-
-struct Projeto {
-  using Classe = CQVGE_Projeto;
-  using Falso = CServidorProjetoFalso;
-  static constexpr const char* kMetodo = "CQVGE_Projeto::LeRegistro";
-  static HRESULT Negocio(Classe* o) {
-    _REG_PROJETO_ATENDIMENTO_PS reg;
-    return o->LeRegistro(1, &reg);
-  }
-};
-
-// An object of class T::Classe whose server runs `acao`, released at the end.
-template <class T>
-struct Objeto {
-  explicit Objeto(Acao acao = [] { return S_OK; })
-      : p(new typename T::Classe([a = std::move(acao), o = &obs] { return std::make_unique<typename T::Falso>(a, o); })) {}
-  ~Objeto() { p->Release(); }
-  typename T::Classe* operator->() const { return p; }
-  HRESULT Negocio() { return T::Negocio(p); }
-  HRESULT Inicializa() { return p->Inicializa_Padrao(QVTesteInicializaPS()); }
-
-  Observacao obs;
-  typename T::Classe* p;
-};
-
-std::size_t LinhasCom(const std::string& trecho) {
-  std::size_t n = 0;
-  for (const std::string& l : QVTesteLinhasErro()) n += l.find(trecho) != std::string::npos;
-  return n;
-}
+Compartilhado& Memoria() { return QVTesteCompartilhado<Compartilhado>("frame"); }
 
 // A page no one may touch: writing there is an invalid memory access.
 void EscritaInvalida() {
@@ -113,27 +68,217 @@ void EscritaInvalida() {
   return 0;
 }
 
+template <class Base>
+class CServidorFalso : public Base {
+ public:
+  CServidorFalso(Observacao* obs, EAcao acao, HRESULT hr) : m_pObs(obs), m_Acao(acao), m_hr(hr) {
+    m_pObs->acessoDefaultNuloAoCriar = CQVBaseParaRotinas::GetAcessoDefault() == nullptr;
+  }
+  ~CServidorFalso() override {
+    m_pObs->codigoSEH = QVUltimoCodigoSEH();
+    m_pObs->temPilhaSEH = !QVUltimaPilhaSEH().empty();
+    m_pObs->destruido = true;
+  }
+
+  HRESULT Executa() {
+    ++m_pObs->chamadas;
+    m_pObs->acessoDefaultEraOServidor = CQVBaseParaRotinas::GetAcessoDefault() == this;
+    switch (m_Acao) {
+      case EAcao::Codigo: return m_hr;
+      case EAcao::Lanca: throw new CQVException(1, 0, 5);
+      case EAcao::LancaDescarte: throw CQVExceptionEx(QVHr(0x8004EAC5u), 0, 0, "x");
+      case EAcao::EscritaInvalida: EscritaInvalida(); return S_OK;
+      case EAcao::Recursao: return static_cast<HRESULT>(Recursao(nullptr, 0));
+      case EAcao::ParametroInvalido: QVParametroInvalido("p != nullptr", "Rotina", "arquivo.cpp", 10); return S_OK;
+      default: return S_OK;
+    }
+  }
+
+ private:
+  Observacao* m_pObs;
+  EAcao m_Acao;
+  HRESULT m_hr;
+};
+
+class CServidorAtendimentoFalso : public CServidorFalso<CGeServidorAtendimento> {
+ public:
+  using CServidorFalso::CServidorFalso;
+  HRESULT LeAtendimento(std::uint16_t, std::uint32_t, _REG_ATENDIMENTO_PS*) override { return Executa(); }
+};
+
+class CServidorProjetoFalso : public CServidorFalso<CGeProjetoBase> {
+ public:
+  using CServidorFalso::CServidorFalso;
+  HRESULT LeRegistro(std::uint32_t, _REG_PROJETO_ATENDIMENTO_PS*) override { return Executa(); }
+};
+
+// The class object of a class whose objects get a stand-in server, doing
+// what the shared memory says for the next object.
+template <class Classe, class Falso>
+class CFabricaFalsa final : public IClassFactory {
+ public:
+  HRESULT QueryInterface(REFIID, void** ppv) override {
+    *ppv = static_cast<IClassFactory*>(this);
+    return S_OK;
+  }
+  std::uint32_t AddRef() override { return 2; }
+  std::uint32_t Release() override { return 1; }
+  HRESULT LockServer(bool) override { return S_OK; }
+  HRESULT CreateInstance(IUnknown*, REFIID riid, void** ppv) override {
+    Compartilhado& m = Memoria();
+    Observacao* obs = &m.obs[m.proximo.fetch_add(1) % kObservacoes];
+    obs->chamadas = 0;
+    obs->acessoDefaultEraOServidor = obs->acessoDefaultNuloAoCriar = obs->destruido = obs->temPilhaSEH = false;
+    obs->codigoSEH = 0;
+    const EAcao acao = m.acao;
+    const HRESULT hr = m.hr;
+    auto* objeto = new Classe([obs, acao, hr]() -> std::unique_ptr<Falso> {
+      if (acao == EAcao::FalhaConstrucao) throw std::bad_alloc();
+      return std::make_unique<Falso>(obs, acao, hr);
+    });
+    const HRESULT hrQi = objeto->QueryInterface(riid, ppv);
+    objeto->Release();
+    return hrQi;
+  }
+};
+
+CFabricaFalsa<CQVGE_Atendimento, CServidorAtendimentoFalso> g_fabricaAtendimento;
+CFabricaFalsa<CQVGE_Projeto, CServidorProjetoFalso> g_fabricaProjeto;
+std::uint32_t g_cookies[2];
+
+void RegistraFabricasFalsas() {
+  ASSERT_EQ(CoRegisterClassObject(CLSID_QVGE_Atendimento, &g_fabricaAtendimento, &g_cookies[0]), S_OK);
+  ASSERT_EQ(CoRegisterClassObject(CLSID_QVGE_Projeto, &g_fabricaProjeto, &g_cookies[1]), S_OK);
+}
+QV_TESTE_PERSONALIDADE("frame", RegistraFabricasFalsas);
+
+// The objects live in this process.
+struct NoProcesso {
+  static void Prepara() { RegistraFabricasFalsas(); }
+  static void Encerra() {
+    for (std::uint32_t c : g_cookies) EXPECT_EQ(CoRevokeClassObject(c), S_OK);
+  }
+};
+
+// The objects live in a server process; CoCreateInstance reaches it
+// through the classes the connection registers.
+struct NoServidor {
+  static inline std::unique_ptr<CQVServidorTeste> s_servidor;
+  static inline std::shared_ptr<CQVConexaoZelkorin> s_conexao;
+  static void Prepara() {
+    s_servidor = std::make_unique<CQVServidorTeste>("frame");
+    ASSERT_TRUE(s_servidor->Pronto()) << s_servidor->Processo().Erros();
+    ASSERT_EQ(CQVConexaoZelkorin::Conecta({.sSocket = s_servidor->Socket()}, &s_conexao), S_OK);
+    ASSERT_EQ(s_conexao->RegistraClasses(), S_OK);
+  }
+  static void Encerra() {
+    s_conexao.reset();
+    const int status = s_servidor->Processo().Termina(SIGTERM);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << s_servidor->Processo().Erros();
+    s_servidor.reset();
+  }
+};
+
+struct Atendimento {
+  using Interface = IQVGE_Atendimento;
+  static constexpr const CLSID& kClsid = CLSID_QVGE_Atendimento;
+  static constexpr const IID& kIid = IID_IQVGE_Atendimento;
+  static constexpr const IID& kOutraIid = IID_IQVGE_Projeto;
+  static constexpr const char* kMetodo = "CQVGE_Atendimento::LeAtendimento";
+  static HRESULT Negocio(Interface* o) {
+    _REG_ATENDIMENTO_PS reg{};
+    const HRESULT hr = o->LeAtendimento(1, 1, &reg);
+    QVLibera(&reg);
+    return hr;
+  }
+};
+
+struct Projeto {
+  using Interface = IQVGE_Projeto;
+  static constexpr const CLSID& kClsid = CLSID_QVGE_Projeto;
+  static constexpr const IID& kIid = IID_IQVGE_Projeto;
+  static constexpr const IID& kOutraIid = IID_IQVGE_Atendimento;
+  static constexpr const char* kMetodo = "CQVGE_Projeto::LeRegistro";
+  static HRESULT Negocio(Interface* o) {
+    _REG_PROJETO_ATENDIMENTO_PS reg{};
+    const HRESULT hr = o->LeRegistro(1, &reg);
+    QVLibera(&reg);
+    return hr;
+  }
+};
+
+template <class C, class M>
+struct Caso {
+  using Classe = C;
+  using Modo = M;
+};
+
+// An object of the case's class whose server does `acao`, released at the end.
+template <class T>
+struct Objeto {
+  explicit Objeto(EAcao acao = EAcao::Ok, HRESULT hr = S_OK) {
+    Memoria().acao = acao;
+    Memoria().hr = hr;
+    slot = Memoria().proximo.load() % kObservacoes;
+    EXPECT_EQ(CoCreateInstance(T::Classe::kClsid, nullptr, CLSCTX_ALL, T::Classe::kIid, p.ppv()), S_OK);
+  }
+  typename T::Classe::Interface* operator->() const { return p.get(); }
+  HRESULT Negocio() { return T::Classe::Negocio(p.get()); }
+  HRESULT Inicializa() { return p->Inicializa_Padrao(QVTesteInicializaPS()); }
+  const Observacao& obs() const { return Memoria().obs[slot]; }
+
+  // The statistics function's JSON, or null when it failed.
+  nlohmann::json Estatisticas() {
+    _REG_DF_FUNCAO_GENERICAPS entrada{};
+    _REG_DF_FUNCAO_GENERICAPS* saida = nullptr;
+    if (FAILED(p->FuncaoGenerica(QV_FUNCAO_GENERICA_ESTATISTICAS_USO, entrada, &saida)) || saida == nullptr)
+      return nullptr;
+    auto j = nlohmann::json::parse(reinterpret_cast<char*>(saida->pListaBytes));
+    QVLibera(saida);
+    CoTaskMemFree(saida);
+    return j;
+  }
+
+  int slot;
+  CQVComPtr<typename T::Classe::Interface> p;
+};
+
+std::size_t LinhasCom(const std::string& trecho) {
+  std::size_t n = 0;
+  for (const std::string& l : QVTesteLinhasErro()) n += l.find(trecho) != std::string::npos;
+  return n;
+}
+
+// The cells of the object's statistics for one company: (class, method) ->
+// code -> cell.
+nlohmann::json CelulasDoDia(const nlohmann::json& j, const char* secao = "objeto") {
+  return j[secao]["EMPRESA_TESTE"][QVDiaTexto(QVHoje())];
+}
+
 template <class T>
 class FrameTest : public ::testing::Test {
  protected:
+  static void SetUpTestSuite() { T::Modo::Prepara(); }
+  static void TearDownTestSuite() { T::Modo::Encerra(); }
   void SetUp() override { QVTesteLimpaLog(); }
 };
 
-using Classes = ::testing::Types<Atendimento, Projeto>;
-TYPED_TEST_SUITE(FrameTest, Classes);
+using Casos = ::testing::Types<Caso<Atendimento, NoProcesso>, Caso<Projeto, NoProcesso>,
+                               Caso<Atendimento, NoServidor>, Caso<Projeto, NoServidor>>;
+TYPED_TEST_SUITE(FrameTest, Casos);
 
 }  // namespace
 
 TYPED_TEST(FrameTest, ObjetoNovoNaoExecutaNegocioNemRegistraNada) {
   Objeto<TypeParam> o;
   EXPECT_EQ(o.Negocio(), QVHr(0x81080A04u));
-  EXPECT_EQ(o.obs.chamadas, 0);
+  EXPECT_EQ(o.obs().chamadas, 0);
   _REG_DF_ERROPS erro;
   std::memset(&erro, 0xAB, sizeof erro);
   EXPECT_EQ(o->GetUltimoErro(&erro), S_OK);
   const _REG_DF_ERROPS zero{};
   EXPECT_EQ(std::memcmp(&erro, &zero, sizeof erro), 0);
-  EXPECT_TRUE(o->GetEstatisticas().empty());
+  EXPECT_TRUE(o.Estatisticas().is_null());  // a business call too
   EXPECT_TRUE(QVTesteLinhasErro().empty());
 }
 
@@ -146,10 +291,11 @@ TYPED_TEST(FrameTest, KeepAliveAntesEDepoisDaInicializacao) {
   ok = 0;
   EXPECT_EQ(o->KeepAlive(&ok), S_OK);
   EXPECT_EQ(ok, 1);
-  EXPECT_TRUE(o->GetEstatisticas().count("EMPRESA_TESTE"));  // only the initialisation was counted
+  // Only the initialisation was counted (the statistics call counts after
+  // its answer is made).
   std::size_t celulas = 0;
-  for (const auto& [dia, classes] : o->GetEstatisticas().at("EMPRESA_TESTE"))
-    for (const auto& [classe, metodos] : classes) celulas += metodos.size();
+  const nlohmann::json dia = CelulasDoDia(o.Estatisticas());
+  for (const auto& [classe, metodos] : dia.items()) celulas += metodos.size();
   EXPECT_EQ(celulas, 1u);
 }
 
@@ -181,20 +327,17 @@ TYPED_TEST(FrameTest, VerificacoesDoRegistroDeInicializacaoNaOrdem) {
   }
   EXPECT_EQ(LinhasCom("hr = E_QVCR_ESTRUTURA_INICIALIZACAO_INVALIDA\t"), 5u);
 
-  // None of these reached the server or changed the frame's copy.
+  // None of these reached the server.
   EXPECT_EQ(o.Negocio(), QVHr(0x81080A04u));
-  EXPECT_EQ(o->GetRegistroInicializacao().usVersaoVireo, 0);
   ASSERT_EQ(o.Inicializa(), S_OK);
-  EXPECT_EQ(o->GetRegistroInicializacao().uiCRC, QVTesteInicializaPS().uiCRC);
   EXPECT_EQ(o.Negocio(), S_OK);
 }
 
-TYPED_TEST(FrameTest, InicializacaoRecusadaPelaSessaoZeraACopia) {
+TYPED_TEST(FrameTest, InicializacaoRecusadaPelaSessaoDeixaOObjetoUtilizavel) {
   Objeto<TypeParam> o;
   // A company that cannot be a folder has no data directory.
   EXPECT_EQ(o->Inicializa_Padrao(QVTesteInicializaPS("..")), QVHr(0x80040931u));
-  EXPECT_EQ(o->GetRegistroInicializacao().usVersaoVireo, 0);
-  EXPECT_TRUE(o->TemServidor());
+  EXPECT_FALSE(o.obs().destruido);
   EXPECT_EQ(o.Negocio(), QVHr(0x81080A04u));
   EXPECT_EQ(LinhasCom("hr = pfInSEHFuncao()\t"), 1u);
   // A second initialisation goes through every step again.
@@ -204,13 +347,12 @@ TYPED_TEST(FrameTest, InicializacaoRecusadaPelaSessaoZeraACopia) {
 }
 
 TYPED_TEST(FrameTest, CodigoDeDescarteDestroiOServidor) {
-  Objeto<TypeParam> o([] { return QVHr(0x8004EAC5u); });
+  Objeto<TypeParam> o(EAcao::Codigo, QVHr(0x8004EAC5u));
   ASSERT_EQ(o.Inicializa(), S_OK);
   EXPECT_EQ(o.Negocio(), QVHr(0x8004EAC5u));
-  EXPECT_TRUE(o.obs.destruido);
-  EXPECT_FALSE(o->TemServidor());
+  EXPECT_TRUE(o.obs().destruido);
   EXPECT_EQ(o.Negocio(), QVHr(0x81080A04u));
-  EXPECT_EQ(o.obs.chamadas, 1);
+  EXPECT_EQ(o.obs().chamadas, 1);
   EXPECT_EQ(o.Inicializa(), QVHr(0x81080AA8u));
   _REG_DF_ERROPS erro;
   EXPECT_EQ(o->GetUltimoErro(&erro), S_OK);
@@ -218,66 +360,64 @@ TYPED_TEST(FrameTest, CodigoDeDescarteDestroiOServidor) {
 }
 
 TYPED_TEST(FrameTest, FalhaComumNaoDescartaEPreencheOUltimoErro) {
-  Objeto<TypeParam> o([] { return E_QVCR_ARQUIVO_NAO_EXISTE; });
+  Objeto<TypeParam> o(EAcao::Codigo, E_QVCR_ARQUIVO_NAO_EXISTE);
   ASSERT_EQ(o.Inicializa(), S_OK);
   EXPECT_EQ(o.Negocio(), E_QVCR_ARQUIVO_NAO_EXISTE);
   EXPECT_EQ(o.Negocio(), E_QVCR_ARQUIVO_NAO_EXISTE);
-  EXPECT_FALSE(o.obs.destruido);
+  EXPECT_FALSE(o.obs().destruido);
   _REG_DF_ERROPS erro;
   ASSERT_EQ(o->GetUltimoErro(&erro), S_OK);
   EXPECT_EQ(erro.hr, E_QVCR_ARQUIVO_NAO_EXISTE);
   EXPECT_EQ(erro.usNumeroServidor, 9);
   EXPECT_STREQ(erro.szEmpresa, "EMPRESA_TESTE");
   EXPECT_GT(std::strlen(erro.cMensagem), 0u);
-  EXPECT_EQ(LinhasCom(std::string("\t") + TypeParam::kMetodo + "\t"), 2u);
+  EXPECT_EQ(LinhasCom(std::string("\t") + TypeParam::Classe::kMetodo + "\t"), 2u);
   EXPECT_EQ(LinhasCom("\tcore/QVRPCDLL/T_QVUnknown\t"), 2u);
   EXPECT_EQ(LinhasCom("hr = pfInSEHFuncao()\thr = 0X810809E3"), 2u);
 }
 
 TYPED_TEST(FrameTest, ExcecaoEhTraduzidaContadaENaoDescarta) {
-  Objeto<TypeParam> o([]() -> HRESULT { throw new CQVException(1, 0, 5); });
+  Objeto<TypeParam> o(EAcao::Lanca);
   ASSERT_EQ(o.Inicializa(), S_OK);
   EXPECT_EQ(o.Negocio(), QVHr(0x80040005u));
-  EXPECT_TRUE(o->TemServidor());
+  EXPECT_FALSE(o.obs().destruido);
   EXPECT_EQ(LinhasCom("hr = QVTranslateThrownExceptionToHresult()\t"), 1u);
   std::string classe, metodo;
-  QVSeparaNomeMetodo(TypeParam::kMetodo, &classe, &metodo);
-  const auto& celulas = o->GetEstatisticas().at("EMPRESA_TESTE").at(QVHoje()).at(classe).at(metodo);
+  QVSeparaNomeMetodo(TypeParam::Classe::kMetodo, &classe, &metodo);
+  const nlohmann::json celulas = CelulasDoDia(o.Estatisticas())[classe][metodo];
   ASSERT_EQ(celulas.size(), 1u);
-  EXPECT_EQ(celulas.begin()->first, 9);  // the object's code: the module it serves
-  EXPECT_EQ(celulas.begin()->second.ulChamadas, 1u);
-  // The default access is not left behind by an exception either.
-  EXPECT_EQ(CQVBaseParaRotinas::GetAcessoDefault(), nullptr);
+  // The object's code (the module it serves) names the cell.
+  EXPECT_EQ(celulas["9"]["chamadas"], 1);
+  // The server is still there.
+  EXPECT_EQ(o.Negocio(), QVHr(0x80040005u));
+  EXPECT_EQ(o.obs().chamadas, 2);
 }
 
 TYPED_TEST(FrameTest, ExcecaoComCodigoDeDescarteNaoDescarta) {
   // Only a normal return with a structured-exception status discards.
-  Objeto<TypeParam> o([]() -> HRESULT { throw CQVExceptionEx(QVHr(0x8004EAC5u), 0, 0, "x"); });
+  Objeto<TypeParam> o(EAcao::LancaDescarte);
   ASSERT_EQ(o.Inicializa(), S_OK);
   EXPECT_EQ(o.Negocio(), QVHr(0x8004EAC5u));
-  EXPECT_TRUE(o->TemServidor());
+  EXPECT_FALSE(o.obs().destruido);
 }
 
 TYPED_TEST(FrameTest, EscritaInvalidaViraCodigoEOProcessoContinua) {
-  Objeto<TypeParam> o([] {
-    EscritaInvalida();
-    return S_OK;
-  });
+  Objeto<TypeParam> o(EAcao::EscritaInvalida);
   ASSERT_EQ(o.Inicializa(), S_OK);
   EXPECT_EQ(o.Negocio(), QVHr(0x8004EAC5u));
-  EXPECT_FALSE(o->TemServidor());
-  EXPECT_EQ(QVUltimoCodigoSEH(), 0xC0000005u);
-  EXPECT_NE(QVUltimaPilhaSEH(), "");
+  EXPECT_TRUE(o.obs().destruido);
+  EXPECT_EQ(o.obs().codigoSEH, 0xC0000005u);
+  EXPECT_TRUE(o.obs().temPilhaSEH);
   EXPECT_EQ(o.Negocio(), QVHr(0x81080A04u));
   EXPECT_EQ(LinhasCom("hr = pfInSEHFuncao()\thr = 0X8004EAC5"), 1u);
 }
 
 TYPED_TEST(FrameTest, EstouroDePilhaViraCodigoEOProcessoContinua) {
-  Objeto<TypeParam> o([] { return static_cast<HRESULT>(Recursao(nullptr, 0)); });
+  Objeto<TypeParam> o(EAcao::Recursao);
   ASSERT_EQ(o.Inicializa(), S_OK);
   EXPECT_EQ(o.Negocio(), QVHr(0x8004EADAu));
-  EXPECT_FALSE(o->TemServidor());
-  EXPECT_EQ(QVUltimoCodigoSEH(), 0xC00000FDu);
+  EXPECT_TRUE(o.obs().destruido);
+  EXPECT_EQ(o.obs().codigoSEH, 0xC00000FDu);
   // The thread's stack is whole again: a second object works normally.
   Objeto<TypeParam> outro;
   ASSERT_EQ(outro.Inicializa(), S_OK);
@@ -285,36 +425,35 @@ TYPED_TEST(FrameTest, EstouroDePilhaViraCodigoEOProcessoContinua) {
 }
 
 TYPED_TEST(FrameTest, ParametroInvalidoViraExcecaoComONomeDoMetodo) {
-  Objeto<TypeParam> o([]() -> HRESULT {
-    QVParametroInvalido("p != nullptr", "Rotina", "arquivo.cpp", 10);
-    return S_OK;
-  });
+  Objeto<TypeParam> o(EAcao::ParametroInvalido);
   ASSERT_EQ(o.Inicializa(), S_OK);
   EXPECT_EQ(o.Negocio(), E_INVALIDARG);
-  EXPECT_TRUE(o->TemServidor());
+  EXPECT_FALSE(o.obs().destruido);
 }
 
 TYPED_TEST(FrameTest, AcessoDefaultSoDuranteAChamada) {
   Objeto<TypeParam> o;
   ASSERT_EQ(o.Inicializa(), S_OK);
   ASSERT_EQ(o.Negocio(), S_OK);
-  EXPECT_TRUE(o.obs.acessoDefaultEraOServidor);
-  EXPECT_EQ(CQVBaseParaRotinas::GetAcessoDefault(), nullptr);
+  EXPECT_TRUE(o.obs().acessoDefaultEraOServidor);
+  Objeto<TypeParam> lanca(EAcao::Lanca);
+  ASSERT_EQ(lanca.Inicializa(), S_OK);
+  ASSERT_EQ(lanca.Negocio(), QVHr(0x80040005u));
+  // Neither call left it behind (not even the one that threw): the next
+  // object is made with none set.
+  Objeto<TypeParam> depois;
+  EXPECT_TRUE(depois.obs().acessoDefaultNuloAoCriar);
 }
 
 TYPED_TEST(FrameTest, FalhaNaConstrucaoDoServidor) {
-  auto* objeto = new typename TypeParam::Classe([]() -> std::unique_ptr<typename TypeParam::Falso> {
-    throw std::bad_alloc();
-  });
-  EXPECT_EQ(objeto->GetHrConstruct(), QVHr(0x8004EA64u));
-  EXPECT_FALSE(objeto->TemServidor());
+  Objeto<TypeParam> o(EAcao::FalhaConstrucao);
+  ASSERT_TRUE(o.p);  // the object exists, without a server
   EXPECT_EQ(LinhasCom("hr = m_hrConstruct\t"), 1u);
-  EXPECT_EQ(TypeParam::Negocio(objeto), QVHr(0x81080A04u));
-  EXPECT_EQ(objeto->Inicializa_Padrao(QVTesteInicializaPS()), QVHr(0x81080AA8u));
+  EXPECT_EQ(o.Negocio(), QVHr(0x81080A04u));
+  EXPECT_EQ(o.Inicializa(), QVHr(0x81080AA8u));
   std::int32_t ok = 0;
-  EXPECT_EQ(objeto->KeepAlive(&ok), S_OK);
+  EXPECT_EQ(o->KeepAlive(&ok), S_OK);
   EXPECT_EQ(ok, 1);
-  objeto->Release();
 }
 
 TYPED_TEST(FrameTest, EstatisticasPelaFuncaoGenerica) {
@@ -329,19 +468,30 @@ TYPED_TEST(FrameTest, EstatisticasPelaFuncaoGenerica) {
   ASSERT_NE(saida, nullptr);
   ASSERT_EQ(saida->ulQtdBytes, std::strlen(reinterpret_cast<char*>(saida->pListaBytes)) + 1);
   const auto j = nlohmann::json::parse(reinterpret_cast<char*>(saida->pListaBytes));
-  std::string classe, metodo;
-  QVSeparaNomeMetodo(TypeParam::kMetodo, &classe, &metodo);
-  const auto& celula = j["objeto"]["EMPRESA_TESTE"][QVDiaTexto(QVHoje())][classe][metodo]["9"];
-  EXPECT_EQ(celula["chamadas"], 3);
-  EXPECT_LE(celula["menorMs"].get<std::uint64_t>(), celula["maiorMs"].get<std::uint64_t>());
-  EXPECT_GE(j["processo"]["EMPRESA_TESTE"][QVDiaTexto(QVHoje())][classe][metodo]["9"]["chamadas"].get<int>(), 3);
-  EXPECT_GE(j["servidor"]["objetosAtivos"].get<int>(), 1);
   QVLibera(saida);
   CoTaskMemFree(saida);
+  std::string classe, metodo;
+  QVSeparaNomeMetodo(TypeParam::Classe::kMetodo, &classe, &metodo);
+  const nlohmann::json celula = CelulasDoDia(j)[classe][metodo]["9"];
+  EXPECT_EQ(celula["chamadas"], 3);
+  EXPECT_LE(celula["menorMs"].get<std::uint64_t>(), celula["maiorMs"].get<std::uint64_t>());
+  EXPECT_GE(CelulasDoDia(j, "processo")[classe][metodo]["9"]["chamadas"].get<int>(), 3);
+  EXPECT_GE(j["servidor"]["objetosAtivos"].get<int>(), 1);
 
   // Other numbers go to the server's generic function.
   EXPECT_EQ(o->FuncaoGenerica(1, entrada, &saida), E_NOTIMPL);
   EXPECT_EQ(saida, nullptr);
+}
+
+TYPED_TEST(FrameTest, QueryInterfaceDaInterfaceDeNegocio) {
+  Objeto<TypeParam> o;
+  CQVComPtr<IQVUnknown> base;
+  ASSERT_EQ(o->QueryInterface(IID_IQVUnknown, base.ppv()), S_OK);
+  std::int32_t ok = 0;
+  EXPECT_EQ(base->KeepAlive(&ok), S_OK);
+  void* outra = reinterpret_cast<void*>(1);
+  EXPECT_EQ(o->QueryInterface(TypeParam::Classe::kOutraIid, &outra), E_NOINTERFACE);
+  EXPECT_EQ(outra, nullptr);
 }
 
 TEST(QVFrame, NomesDosMetodosNasEstatisticas) {
