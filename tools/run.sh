@@ -1,11 +1,41 @@
 #!/usr/bin/env bash
-# The main job: builds the server in release and runs the sample client
-# session against it, on the embedded default data root
-# (~/.local/share/zelkorin unless ZELKORIN_ROOT says otherwise).
+# The main job: builds the server in release, starts it on the embedded
+# default data root (~/.local/share/zelkorin unless ZELKORIN_ROOT says
+# otherwise), runs the sample client session against it out of process,
+# asks it for its status, and stops it with SIGTERM. Extra arguments go to
+# the sample session (--empresa, --usuario, --sessao).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 source tools/deps.sh
 zelkorin_instala_dependencias
 cmake --preset release >/dev/null
 cmake --build --preset release --target zelkorin
-exec ./build/release/tools/zelkorin/zelkorin sample "$@"
+
+zelkorin=./build/release/tools/zelkorin/zelkorin
+raiz="${ZELKORIN_ROOT:-${HOME:-/tmp}/.local/share/zelkorin}"
+mkdir -p "$raiz"
+socket="$raiz/zelkorin.sock"
+
+"$zelkorin" serve --root "$raiz" --socket "$socket" &
+servidor=$!
+encerra() {
+  if kill -0 "$servidor" 2>/dev/null; then
+    kill -TERM "$servidor"
+    wait "$servidor" || true
+  fi
+}
+trap encerra EXIT
+
+# The server is ready once its socket answers.
+for _ in $(seq 1 100); do
+  [ -S "$socket" ] && "$zelkorin" status --socket "$socket" --timeout-ms 1000 >/dev/null 2>&1 && break
+  kill -0 "$servidor" 2>/dev/null || { echo "o servidor não subiu" >&2; exit 1; }
+  sleep 0.1
+done
+
+rc=0
+"$zelkorin" sample --socket "$socket" "$@" || rc=$?
+"$zelkorin" status --socket "$socket" || rc=$?
+trap - EXIT
+encerra
+exit "$rc"

@@ -137,14 +137,13 @@ void CQVConexaoZelkorin::Bombeia() {
 
 HRESULT CQVConexaoZelkorin::Espera(kj::Promise<void>&& promessa) {
   kj::AsyncIoContext& io = *m_pIo;
-  // The loop's clock moves only when the loop runs: bring it to now, or a
-  // client idle for longer than the limit would time out at once.
-  io.waitScope.poll();
+  // The deadline is read off the clock itself: the loop's own notion of
+  // now moves only while the loop runs, and a client idle for longer than
+  // the limit would otherwise time out at once.
+  const kj::TimePoint prazo =
+      kj::systemPreciseMonotonicClock().now() + m_Opcoes.ulTempoLimiteMs * kj::MILLISECONDS;
   bool expirou = false;
-  auto comPrazo = promessa.exclusiveJoin(
-      io.provider->getTimer().afterDelay(m_Opcoes.ulTempoLimiteMs * kj::MILLISECONDS).then([&expirou]() {
-        expirou = true;
-      }));
+  auto comPrazo = promessa.exclusiveJoin(io.provider->getTimer().atTime(prazo).then([&expirou]() { expirou = true; }));
   KJ_IF_MAYBE(e, kj::runCatchingExceptions([&]() { comPrazo.wait(io.waitScope); })) {
     if (e->getType() == kj::Exception::Type::DISCONNECTED || m_bDesconectada) {
       MarcaDesconectada();

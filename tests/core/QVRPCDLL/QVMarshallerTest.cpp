@@ -8,6 +8,7 @@
 
 #include "platform/QVBstr.h"
 #include "tests/support/QVTesteRegistros.h"
+#include "tests/support/QVTiposRegistro.h"
 
 namespace {
 
@@ -64,23 +65,9 @@ TEST(QVMarshaller, IdaEVoltaDeCadaFamilia) {
   IdaEVolta(erro);
 }
 
-// Every record kind that has a descriptor, with everything it can own.
-template <class... T>
-void IdaEVoltaDeCada() {
-  (IdaEVolta(Amostra<T>(static_cast<std::uint32_t>(sizeof(T)))), ...);
-}
-
 TEST(QVMarshaller, IdaEVoltaDeTodoTipoDeRegistro) {
-  IdaEVoltaDeCada<IE_CAMPO_DATA_PS, _REG_FILTRO_ATENDIMENTO_PS, _REG_LISTA_PONTEIROS_PS, _REG_CLIENTES_ATENDIMENTO_PS,
-                  _REG_LISTA_REGISTROS_PS, _REG_FILTRO_AGENDA_PS, _REG_LISTA_PONTEIROS_AGENDA,
-                  _REG_LISTA_SERVICOS_AGENDA_PS, _REG_GE_EVENTO_GOOGLEPS, _REG_GE_LISTA_EVENTO_GOOGLEPS,
-                  _REG_RETENCOES_PS, tagREG_EFD_REINF_ITENS_NFPS, _REG_CLASSIFICACAO_GE_PS,
-                  _REG_SERVICO_ATENDIMENTO_PS, _REG_DESPESA_ATENDIMENTO_PS, _REG_ATENDIMENTO_PS,
-                  _REG_PROPRIEDADES_ATENDIMENTO_PS, _REG_RELATORIO_ATENDIMENTO_PS, _REG_FILTRO_REL_CONTROLE_HORAS,
-                  _REG_AGENDAMENTO_REL, _REG_LISTA_AGENDAMENTO_REL, _REG_REL_CONSULTA_AGENDAMENTO,
-                  _REG_FILTRO_PROJETO_PS, _REG_PTR_PROJETO_PS, _REG_PROJETO_ATENDIMENTO_PS, _REG_LISTA_PROJETOS_PS,
-                  _REG_DF_TEXTOPS, _REG_DF_FUNCAO_GENERICAPS, _REG_DF_INICIALIZAPS, _REG_DF_ERROPS,
-                  _REG_DF_LISTA_QVDMCPS>();
+  // Every kind, with everything it can own.
+  QVParaCadaRegistro([]<class T>() { IdaEVolta(Amostra<T>(static_cast<std::uint32_t>(sizeof(T)))); });
 }
 
 TEST(QVMarshaller, BytesCanonicos) {
