@@ -94,23 +94,8 @@ class CServidorGuarda final : public CGeServidorAtendimento {
   _REG_ATENDIMENTO_PS m_Registro;
 };
 
-class CFabricaGuarda final : public IClassFactory {
- public:
-  HRESULT QueryInterface(REFIID, void** ppv) override {
-    *ppv = static_cast<IClassFactory*>(this);
-    return S_OK;
-  }
-  std::uint32_t AddRef() override { return 2; }
-  std::uint32_t Release() override { return 1; }
-  HRESULT LockServer(bool) override { return S_OK; }
-  HRESULT CreateInstance(IUnknown*, REFIID riid, void** ppv) override {
-    auto* o = new CQVGE_Atendimento([] { return std::make_unique<CServidorGuarda>(); });
-    const HRESULT hr = o->QueryInterface(riid, ppv);
-    o->Release();
-    return hr;
-  }
-};
-CFabricaGuarda g_fabrica;
+auto g_fabrica = TQVFabricaDeClasse(
+    [] { return new CQVGE_Atendimento([] { return std::make_unique<CServidorGuarda>(); }); });
 
 const char* const kRaiz = "/tmp/zelkorin-bench";
 

@@ -9,6 +9,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <utility>
 
 #include "platform/QVGuid.h"
 #include "platform/QVHResult.h"
@@ -52,6 +53,48 @@ constexpr HRESULT CO_E_OBJISREG = QVHr(0x800401FBu);
 // *ppv is null. A class that is not registered answers REGDB_E_CLASSNOTREG.
 [[nodiscard]] HRESULT CoCreateInstance(REFCLSID rclsid, IUnknown* pUnkOuter,
                                        std::uint32_t dwClsContext, REFIID riid, void** ppv);
+
+// A class object that lives as long as the process (its references are not
+// counted): CreateInstance makes an object with `cria`, which answers it
+// holding one reference (null when out of memory), and hands out riid from
+// it. Server locks, when asked for, are counted in *pTravas.
+template <class Cria>
+class TQVFabricaDeClasse final : public IClassFactory {
+ public:
+  explicit TQVFabricaDeClasse(Cria cria, std::atomic<int>* pTravas = nullptr)
+      : m_Cria(std::move(cria)), m_pTravas(pTravas) {}
+
+  HRESULT QueryInterface(REFIID riid, void** ppv) override {
+    if (ppv == nullptr) return E_POINTER;
+    if (riid == IID_IUnknown || riid == IID_IClassFactory) {
+      *ppv = static_cast<IClassFactory*>(this);
+      return S_OK;
+    }
+    *ppv = nullptr;
+    return E_NOINTERFACE;
+  }
+  std::uint32_t AddRef() override { return 2; }
+  std::uint32_t Release() override { return 1; }
+
+  HRESULT CreateInstance(IUnknown* pUnkOuter, REFIID riid, void** ppv) override {
+    if (ppv == nullptr) return E_POINTER;
+    *ppv = nullptr;
+    if (pUnkOuter != nullptr) return CLASS_E_NOAGGREGATION;
+    auto* objeto = m_Cria();
+    if (objeto == nullptr) return E_OUTOFMEMORY;
+    const HRESULT hr = objeto->QueryInterface(riid, ppv);
+    objeto->Release();  // the creator's reference; QueryInterface added the caller's
+    return hr;
+  }
+  HRESULT LockServer(bool fLock) override {
+    if (m_pTravas != nullptr) m_pTravas->fetch_add(fLock ? 1 : -1);
+    return S_OK;
+  }
+
+ private:
+  Cria m_Cria;
+  std::atomic<int>* m_pTravas;
+};
 
 // Owning interface pointer: releases its reference when it goes away.
 template <class T>

@@ -65,3 +65,25 @@ TEST(QVCom, CriacaoPorIdentificadorDeClasse) {
   EXPECT_FALSE(objeto);
   EXPECT_EQ(CoRevokeClassObject(cookie), E_INVALIDARG);
 }
+
+TEST(QVCom, FabricaDeClasseDoProcesso) {
+  std::atomic<int> travas{0};
+  bool semMemoria = false;
+  auto fabrica = TQVFabricaDeClasse([&]() -> CObjeto* { return semMemoria ? nullptr : new CObjeto(); }, &travas);
+
+  CQVComPtr<IUnknown> objeto;
+  ASSERT_EQ(fabrica.CreateInstance(nullptr, kInterface, objeto.ppv()), S_OK);
+  EXPECT_EQ(static_cast<CObjeto*>(objeto.get())->refs, 1);  // only the caller's reference is left
+  void* p = reinterpret_cast<void*>(1);
+  EXPECT_EQ(fabrica.CreateInstance(objeto.get(), kInterface, &p), CLASS_E_NOAGGREGATION);
+  EXPECT_EQ(p, nullptr);
+  semMemoria = true;
+  EXPECT_EQ(fabrica.CreateInstance(nullptr, kInterface, &p), E_OUTOFMEMORY);
+  EXPECT_EQ(p, nullptr);
+
+  EXPECT_EQ(fabrica.LockServer(true), S_OK);
+  EXPECT_EQ(fabrica.LockServer(true), S_OK);
+  EXPECT_EQ(fabrica.LockServer(false), S_OK);
+  EXPECT_EQ(travas.load(), 1);
+  EXPECT_EQ(fabrica.QueryInterface(kInterface, &p), E_NOINTERFACE);
+}

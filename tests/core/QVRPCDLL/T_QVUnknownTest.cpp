@@ -115,16 +115,8 @@ class CServidorProjetoFalso : public CServidorFalso<CGeProjetoBase> {
 // The class object of a class whose objects get a stand-in server, doing
 // what the shared memory says for the next object.
 template <class Classe, class Falso>
-class CFabricaFalsa final : public IClassFactory {
- public:
-  HRESULT QueryInterface(REFIID, void** ppv) override {
-    *ppv = static_cast<IClassFactory*>(this);
-    return S_OK;
-  }
-  std::uint32_t AddRef() override { return 2; }
-  std::uint32_t Release() override { return 1; }
-  HRESULT LockServer(bool) override { return S_OK; }
-  HRESULT CreateInstance(IUnknown*, REFIID riid, void** ppv) override {
+auto FabricaFalsa() {
+  return TQVFabricaDeClasse([] {
     Compartilhado& m = Memoria();
     Observacao* obs = &m.obs[m.proximo.fetch_add(1) % kObservacoes];
     obs->chamadas = 0;
@@ -132,18 +124,15 @@ class CFabricaFalsa final : public IClassFactory {
     obs->codigoSEH = 0;
     const EAcao acao = m.acao;
     const HRESULT hr = m.hr;
-    auto* objeto = new Classe([obs, acao, hr]() -> std::unique_ptr<Falso> {
+    return new Classe([obs, acao, hr]() -> std::unique_ptr<Falso> {
       if (acao == EAcao::FalhaConstrucao) throw std::bad_alloc();
       return std::make_unique<Falso>(obs, acao, hr);
     });
-    const HRESULT hrQi = objeto->QueryInterface(riid, ppv);
-    objeto->Release();
-    return hrQi;
-  }
-};
+  });
+}
 
-CFabricaFalsa<CQVGE_Atendimento, CServidorAtendimentoFalso> g_fabricaAtendimento;
-CFabricaFalsa<CQVGE_Projeto, CServidorProjetoFalso> g_fabricaProjeto;
+auto g_fabricaAtendimento = FabricaFalsa<CQVGE_Atendimento, CServidorAtendimentoFalso>();
+auto g_fabricaProjeto = FabricaFalsa<CQVGE_Projeto, CServidorProjetoFalso>();
 std::uint32_t g_cookies[2];
 
 void RegistraFabricasFalsas() {

@@ -151,26 +151,13 @@ class CEcoProjeto final : public CGeProjetoBase {
 };
 
 template <class Classe, class Servidor>
-class CFabricaEco final : public IClassFactory {
- public:
-  HRESULT QueryInterface(REFIID, void** ppv) override {
-    *ppv = static_cast<IClassFactory*>(this);
-    return S_OK;
-  }
-  std::uint32_t AddRef() override { return 2; }
-  std::uint32_t Release() override { return 1; }
-  HRESULT LockServer(bool) override { return S_OK; }
-  HRESULT CreateInstance(IUnknown*, REFIID riid, void** ppv) override {
-    auto* objeto = new Classe([] { return std::make_unique<Servidor>(); });
-    const HRESULT hr = objeto->QueryInterface(riid, ppv);
-    objeto->Release();
-    return hr;
-  }
-};
+auto FabricaEco() {
+  return TQVFabricaDeClasse([] { return new Classe([] { return std::make_unique<Servidor>(); }); });
+}
 
 void RegistraEco() {
-  static CFabricaEco<CQVGE_Atendimento, CEcoAtendimento> atendimento;
-  static CFabricaEco<CQVGE_Projeto, CEcoProjeto> projeto;
+  static auto atendimento = FabricaEco<CQVGE_Atendimento, CEcoAtendimento>();
+  static auto projeto = FabricaEco<CQVGE_Projeto, CEcoProjeto>();
   std::uint32_t cookie;
   if (FAILED(CoRegisterClassObject(CLSID_QVGE_Atendimento, &atendimento, &cookie)) ||
       FAILED(CoRegisterClassObject(CLSID_QVGE_Projeto, &projeto, &cookie)))
