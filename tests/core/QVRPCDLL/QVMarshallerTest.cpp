@@ -1,4 +1,4 @@
-// Records carried between processes: round trips of every family, the
+// Records carried between processes: round trips of every kind, the
 // canonical bytes, and every refusal.
 #include "core/QVRPCDLL/QVMarshaller.h"
 
@@ -36,34 +36,6 @@ void IdaEVolta(T original) {
 }
 
 }  // namespace
-
-TEST(QVMarshaller, IdaEVoltaDeCadaFamilia) {
-  IdaEVolta(AtendimentoCompleto());
-  auto lista = Zerado<_REG_LISTA_REGISTROS_PS>();
-  lista.iQuantidadeRegistros = 2;
-  lista.pRegistros = Novo<_REG_ATENDIMENTO_PS>(2);
-  lista.pRegistros[0] = AtendimentoCompleto();
-  lista.pRegistros[1] = AtendimentoCompleto();
-  IdaEVolta(lista);
-  IdaEVolta(FiltroComListas());
-  auto rel = Zerado<_REG_RELATORIO_ATENDIMENTO_PS>();
-  rel.RegFiltroPs = FiltroComListas();
-  IdaEVolta(rel);
-  auto props = Zerado<_REG_PROPRIEDADES_ATENDIMENTO_PS>();
-  Texto(props.rNomeCliente2, "Solicitante");
-  props.lProximoNumero = 77;
-  IdaEVolta(props);
-  auto agenda = Zerado<_REG_REL_CONSULTA_AGENDAMENTO>();
-  agenda.regLista.lQuantidade = 1;
-  agenda.regLista.pAgendamentos = Novo<_REG_AGENDAMENTO_REL>(1);
-  agenda.regLista.pAgendamentos[0].bsCliente = QVBstrFromUtf8("Padaria Estrela");
-  IdaEVolta(agenda);
-  IdaEVolta(QVMontaInicializaPS({.empresa = "ACME", .aplicativo = "a", .moduleName = "m", .arquivoFonte = "f"}));
-  auto erro = Zerado<_REG_DF_ERROPS>();
-  erro.hr = E_FAIL;
-  std::strcpy(erro.cMensagem, "falha");
-  IdaEVolta(erro);
-}
 
 TEST(QVMarshaller, IdaEVoltaDeTodoTipoDeRegistro) {
   // Every kind, with everything it can own.
