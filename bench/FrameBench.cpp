@@ -3,21 +3,10 @@
 // server object directly.
 #include <benchmark/benchmark.h>
 
+#include "bench/BenchComum.h"
 #include "ge/zelkorin/CQVGE_Atendimento.h"
-#include "suite/hostlink/QVSessaoSuite.h"
 
 namespace {
-
-_REG_DF_INICIALIZAPS Registro() {
-  QVDadosInicializacao d;
-  d.empresa = "BENCH";
-  d.usuario = 1;
-  d.aplicativo = "bench";
-  d.moduleName = "GE";
-  d.arquivoFonte = "FrameBench.cpp";
-  d.linhaFonte = 1;
-  return QVMontaInicializaPS(d);
-}
 
 class CServidorRapido : public CGeServidorAtendimento {
  public:
@@ -40,7 +29,7 @@ BENCHMARK(BM_KeepAlive);
 static void BM_ChamadaPeloFrame(benchmark::State& state) {
   QVDefineRaizDados("/tmp/zelkorin-bench");
   auto* o = new CQVGE_Atendimento([] { return std::make_unique<CServidorRapido>(); });
-  if (FAILED(o->Inicializa_Padrao(Registro()))) state.SkipWithError("Inicializa_Padrao");
+  if (FAILED(o->Inicializa_Padrao(QVBenchInicializacao("FrameBench.cpp")))) state.SkipWithError("Inicializa_Padrao");
   std::int32_t ok = 0;
   for (auto _ : state) benchmark::DoNotOptimize(o->ConsistirNumeroAtendimentoPS(1, &ok));
   o->Release();

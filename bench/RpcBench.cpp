@@ -18,6 +18,7 @@
 #include <memory>
 #include <thread>
 
+#include "bench/BenchComum.h"
 #include "bench/RpcBench.h"
 #include "ge/zelkorin/CQVConexaoZelkorin.h"
 #include "ge/zelkorin/CQVGE_Atendimento.h"
@@ -25,7 +26,6 @@
 #include "ge/zelkorin/ZelkorinRpcServidor.h"
 #include "platform/QVBstr.h"
 #include "platform/QVTaskMem.h"
-#include "suite/hostlink/QVSessaoSuite.h"
 
 namespace {
 
@@ -59,17 +59,6 @@ _REG_ATENDIMENTO_PS Registro816() {
     }
   }
   return r;
-}
-
-_REG_DF_INICIALIZAPS Inicializacao() {
-  QVDadosInicializacao d;
-  d.empresa = "BENCH";
-  d.usuario = 1;
-  d.aplicativo = "bench";
-  d.moduleName = "GE";
-  d.arquivoFonte = "RpcBench.cpp";
-  d.linhaFonte = 1;
-  return QVMontaInicializaPS(d);
 }
 
 // Keeps the last record written and hands it back when read.
@@ -142,7 +131,7 @@ struct Cliente {
     }
     if (FAILED(CQVConexaoZelkorin::Conecta({.sSocket = CServidorBench::Instancia().Socket()}, &conexao)) ||
         FAILED(conexao->CriaObjeto(CLSID_QVGE_Atendimento, IID_IQVGE_Atendimento, objeto.ppv())) ||
-        FAILED(objeto->Inicializa_Padrao(Inicializacao())))
+        FAILED(objeto->Inicializa_Padrao(QVBenchInicializacao("RpcBench.cpp"))))
       state.SkipWithError("conexão");
   }
   std::shared_ptr<CQVConexaoZelkorin> conexao;
@@ -187,7 +176,7 @@ BENCHMARK(BM_RpcKeepAlive)->UseRealTime();
 static void BM_Atendimento816EmProcesso(benchmark::State& state) {
   QVDefineRaizDados(kRaiz);
   auto* o = new CQVGE_Atendimento([] { return std::make_unique<CServidorGuarda>(); });
-  if (FAILED(o->Inicializa_Padrao(Inicializacao()))) state.SkipWithError("Inicializa_Padrao");
+  if (FAILED(o->Inicializa_Padrao(QVBenchInicializacao("RpcBench.cpp")))) state.SkipWithError("Inicializa_Padrao");
   GravaELe(state, o);
   o->Release();
 }
