@@ -20,10 +20,10 @@
 
 #include "bench/BenchComum.h"
 #include "bench/RpcBench.h"
-#include "ge/zelkorin/CQVConexaoZelkorin.h"
+#include "ge/zelkorin/transport/CQVConexaoZelkorin.h"
 #include "ge/zelkorin/CQVGE_Atendimento.h"
 #include "ge/zelkorin/ZelkorinClasses.h"
-#include "ge/zelkorin/ZelkorinRpcServidor.h"
+#include "ge/zelkorin/transport/ZelkorinRpcServidor.h"
 #include "platform/QVBstr.h"
 #include "platform/QVTaskMem.h"
 

@@ -19,9 +19,9 @@
 
 #include "df/qvlibex/QVProfilerLog.h"
 #include "core/QVRPCDLL/IQVUnknown.h"
-#include "ge/zelkorin/CQVConexaoZelkorin.h"
+#include "ge/zelkorin/transport/CQVConexaoZelkorin.h"
 #include "ge/zelkorin/ZelkorinClasses.h"
-#include "ge/zelkorin/ZelkorinRpcServidor.h"
+#include "ge/zelkorin/transport/ZelkorinRpcServidor.h"
 #include "platform/QVMachineSettings.h"
 #include "suite/hostlink/QVSessaoSuite.h"
 #include "tests/support/QVTestSupport.h"

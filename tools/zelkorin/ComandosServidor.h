@@ -10,8 +10,8 @@
 #include <ostream>
 #include <string>
 
-#include "ge/zelkorin/CQVConexaoZelkorin.h"
-#include "ge/zelkorin/ZelkorinRpcServidor.h"
+#include "ge/zelkorin/transport/CQVConexaoZelkorin.h"
+#include "ge/zelkorin/transport/ZelkorinRpcServidor.h"
 
 namespace CLI {
 class App;

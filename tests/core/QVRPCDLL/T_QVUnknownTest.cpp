@@ -15,7 +15,7 @@
 #include <nlohmann/json.hpp>
 
 #include "df/qvlibex/QVException.h"
-#include "ge/zelkorin/CQVConexaoZelkorin.h"
+#include "ge/zelkorin/transport/CQVConexaoZelkorin.h"
 #include "ge/zelkorin/CQVGE_Atendimento.h"
 #include "ge/zelkorin/CQVGE_Projeto.h"
 #include "platform/QVTaskMem.h"

@@ -29,7 +29,7 @@
 #include <kj/async-io.h>
 
 #include "core/QVRPCDLL/QVMarshaller.h"
-#include "ge/zelkorin/ZelkorinRpc.capnp.h"
+#include "ge/zelkorin/transport/ZelkorinRpc.capnp.h"
 #include "platform/QVCom.h"
 
 

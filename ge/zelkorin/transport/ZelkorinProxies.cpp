@@ -1,11 +1,11 @@
-#include "ge/zelkorin/ZelkorinProxies.h"
+#include "ge/zelkorin/transport/ZelkorinProxies.h"
 
 #include <atomic>
 #include <cstring>
 
 #include "df/qvlibex/QVLog.h"
 #include "ge/zelkorin/ZelkorinInterfaces.h"
-#include "ge/zelkorin/ZelkorinRpcRegistros.h"
+#include "ge/zelkorin/transport/ZelkorinRpcRegistros.h"
 #include "platform/QVTaskMem.h"
 
 namespace {

@@ -11,10 +11,10 @@
 #include <fstream>
 #include <thread>
 
-#include "ge/zelkorin/CQVConexaoZelkorin.h"
+#include "ge/zelkorin/transport/CQVConexaoZelkorin.h"
 #include "ge/zelkorin/CQVGE_Atendimento.h"
 #include "ge/zelkorin/CQVGE_Projeto.h"
-#include "ge/zelkorin/ZelkorinRpcRegistros.h"
+#include "ge/zelkorin/transport/ZelkorinRpcRegistros.h"
 #include "tests/support/QVServidorTeste.h"
 #include "tests/support/QVTestSupport.h"
 #include "tests/support/QVTesteRegistros.h"

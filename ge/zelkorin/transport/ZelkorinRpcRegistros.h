@@ -3,12 +3,13 @@
 // data, core/QVRPCDLL/QVMarshaller.h), a system string as its UTF-16 bytes.
 #pragma once
 
+#include <capnp/message.h>
 #include <cstring>
 #include <span>
 #include <string>
 
 #include "core/QVRPCDLL/QVMarshaller.h"
-#include "ge/zelkorin/ZelkorinRpc.capnp.h"
+#include "ge/zelkorin/transport/ZelkorinRpc.capnp.h"
 #include "platform/QVBstr.h"
 
 // How much of one message either side reads: a few records at their limit,

@@ -11,7 +11,7 @@
 
 #include <memory>
 
-#include "ge/zelkorin/CQVConexaoZelkorin.h"
+#include "ge/zelkorin/transport/CQVConexaoZelkorin.h"
 
 // A proxy for an object the server made, whose business interface is
 // iidNegocio, asked for riid. E_NOINTERFACE when the proxy has no riid.

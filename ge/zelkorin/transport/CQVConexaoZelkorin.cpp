@@ -1,4 +1,4 @@
-#include "ge/zelkorin/CQVConexaoZelkorin.h"
+#include "ge/zelkorin/transport/CQVConexaoZelkorin.h"
 
 #include <capnp/rpc-twoparty.h>
 #include <csignal>
@@ -7,8 +7,8 @@
 
 #include "df/qvlibex/QVLog.h"
 #include "ge/zelkorin/ZelkorinInterfaces.h"
-#include "ge/zelkorin/ZelkorinProxies.h"
-#include "ge/zelkorin/ZelkorinRpcRegistros.h"
+#include "ge/zelkorin/transport/ZelkorinProxies.h"
+#include "ge/zelkorin/transport/ZelkorinRpcRegistros.h"
 
 namespace {
 
@@ -96,7 +96,7 @@ HRESULT CQVConexaoZelkorin::Conecta(const QVOpcoesConexao& opcoes, std::shared_p
                   expirou = true;
                 }
               })) {
-    QVLogaFalhaHrEm("CQVConexaoZelkorin::Conecta", "ge/zelkorin/CQVConexaoZelkorin", __LINE__,
+    QVLogaFalhaHrEm("CQVConexaoZelkorin::Conecta", "ge/zelkorin/transport/CQVConexaoZelkorin", __LINE__,
                     e->getDescription().cStr(), HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE));
     return HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE);
   }
@@ -149,7 +149,7 @@ HRESULT CQVConexaoZelkorin::Espera(kj::Promise<void>&& promessa) {
       MarcaDesconectada();
       return RPC_E_DISCONNECTED;
     }
-    QVLogaFalhaHrEm("CQVConexaoZelkorin::Espera", "ge/zelkorin/CQVConexaoZelkorin", __LINE__,
+    QVLogaFalhaHrEm("CQVConexaoZelkorin::Espera", "ge/zelkorin/transport/CQVConexaoZelkorin", __LINE__,
                     e->getDescription().cStr(), RPC_E_SERVERFAULT);
     return RPC_E_SERVERFAULT;
   }
