@@ -1,6 +1,9 @@
 #!/usr/bin/env bash
 # The whole test suite: the debug build, then the same tests under
-# AddressSanitizer and UndefinedBehaviorSanitizer.
+# AddressSanitizer and UndefinedBehaviorSanitizer; then the release build
+# (every target, warnings as errors) and one run of the main job
+# (tools/run.sh) on a scratch data root, as a smoke test of the shipped
+# program.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 source tools/deps.sh
@@ -11,3 +14,10 @@ for preset in debug sanitizers; do
   cmake --build --preset "$preset"
   ctest --preset "$preset"
 done
+
+echo "== release: o comando principal =="
+cmake --preset release >/dev/null
+cmake --build --preset release
+raiz="$(mktemp -d)"
+trap 'rm -rf "$raiz"' EXIT
+ZELKORIN_ROOT="$raiz" ./tools/run.sh

@@ -56,7 +56,12 @@ std::string QVRaizDados() {
 }
 
 std::string QVPastaModulo(std::uint32_t modulo) {
-  return modulo == QV_GE ? "GE" : "M" + std::to_string(modulo);
+  if (modulo == QV_GE) return "GE";
+  // Appended rather than "M" + to_string(): g++ 12 at -O3 warns falsely
+  // (-Wrestrict) about the operator+ that takes a temporary.
+  std::string sPasta = "M";
+  sPasta += std::to_string(modulo);
+  return sPasta;
 }
 
 bool QVNomeEmpresaValido(const std::string& empresa) {

@@ -96,6 +96,8 @@ void RegistraClassesReais() {
 }
 QV_TESTE_PERSONALIDADE("zelkorin", RegistraClassesReais);
 
+const bool g_papeis = QVTesteRegistraPapel(QVTesteExecutaPapel);
+
 }  // namespace
 
 bool QVTesteRegistraPersonalidade(const char* nome, std::function<void()> registraClasses) {

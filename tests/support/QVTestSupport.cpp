@@ -7,7 +7,6 @@
 #include <fstream>
 #include <sstream>
 
-#include "df/qvlibex/QVProfilerLog.h"
 #include "platform/QVMachineSettings.h"
 
 namespace fs = std::filesystem;
@@ -38,48 +37,51 @@ std::string QVTesteLeArquivo(const std::string& caminho) {
   return ss.str();
 }
 
-namespace {
-
-std::vector<std::string> LinhasLog(bool cabecalhos) {
-  std::vector<std::string> linhas;
-  std::error_code ec;
-  for (const auto& entrada : fs::directory_iterator(QVProfilerDiretorio(), ec)) {
-    if (entrada.path().filename().string().rfind("QVProfilerErros_", 0) != 0) continue;
-    std::istringstream in(QVTesteLeArquivo(entrada.path().string()));
-    std::string linha;
-    bool primeira = true;
-    while (std::getline(in, linha)) {
-      if (primeira == cabecalhos) linhas.push_back(linha);
-      primeira = false;
-    }
-  }
-  return linhas;
-}
-
-}  // namespace
-
-std::vector<std::string> QVTesteLinhasErro() { return LinhasLog(false); }
-
-std::vector<std::string> QVTesteCabecalhosErro() { return LinhasLog(true); }
-
-void QVTesteLimpaLog() {
-  std::error_code ec;
-  fs::remove_all(QVProfilerDiretorio(), ec);
-}
-
 void QVTesteDefineRegistro(const std::string& json) {
   std::ofstream(QVMachineSettingsPath(), std::ios::trunc) << json;
 }
 
-_REG_DF_INICIALIZAPS QVTesteInicializaPS(const std::string& empresa) {
-  QVDadosInicializacao d;
-  d.empresa = empresa;
-  d.usuario = 7;
-  d.numeroSessao = 1234;
-  d.aplicativo = "testes";
-  d.moduleName = "GE";
-  d.arquivoFonte = "QVTestSupport.cpp";
-  d.linhaFonte = 42;
-  d.nomeUsuarioDominio = "dominio\\teste";
-  return QVMontaInicializaPS(d);
+namespace {
+
+// Function-local, so that registrations made at static initialisation in
+// other translation units find them constructed.
+std::vector<QVTestePreparo>& Preparos() {
+  static std::vector<QVTestePreparo> v;
+  return v;
+}
+
+std::vector<QVTestePapel>& Papeis() {
+  static std::vector<QVTestePapel> v;
+  return v;
+}
+
+// The platform's own part: the machine settings file.
+void PreparaPlataforma(const std::string& dir) {
+  QVMachineSettingsSetPath(dir + "/registry.json");
+  // The programs the tests run read their settings here too.
+  ::setenv("ZELKORIN_REGISTRY", (dir + "/registry.json").c_str(), 1);
+}
+
+const bool g_plataforma = QVTesteRegistraPreparo(PreparaPlataforma);
+
+}  // namespace
+
+bool QVTesteRegistraPreparo(QVTestePreparo preparo) {
+  Preparos().push_back(preparo);
+  return true;
+}
+
+bool QVTesteRegistraPapel(QVTestePapel papel) {
+  Papeis().push_back(papel);
+  return true;
+}
+
+void QVTestePreparaProcesso() {
+  for (QVTestePreparo p : Preparos()) p(QVTesteDiretorio());
+}
+
+int QVTesteExecutaPapeis(int argc, char** argv) {
+  for (QVTestePapel p : Papeis())
+    if (const int rc = p(argc, argv); rc >= 0) return rc;
+  return -1;
 }

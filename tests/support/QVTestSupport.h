@@ -1,9 +1,12 @@
-// Shared test support.
+// Shared test support, built by layer like the system: a test binary links
+// the support of its own layer and of those below it, never above (see
+// tests/CMakeLists.txt).
 //
 // Every test process runs in its own temporary directory (made by the test
-// main): the error log, the machine settings file and the data root all
+// main): the machine settings file, the error log and the data root all
 // point there, so tests never touch the user's files and never see each
-// other's.
+// other's. Each support layer linked into a binary adds, at static
+// initialisation, the step that points its own part of the process there.
 #pragma once
 
 #include <cstdint>
@@ -12,10 +15,29 @@
 
 #include "df/qvlibex/QVRegistrosDF.h"
 
+// ---- platform layer (QVTestSupport.cpp) --------------------------------------
+
 // The process's private directory.
 const std::string& QVTesteDiretorio();
 // A fresh empty subdirectory of it.
 std::string QVTesteNovoDiretorio(const std::string& nome);
+std::string QVTesteLeArquivo(const std::string& caminho);
+// Writes the machine settings file (JSON text).
+void QVTesteDefineRegistro(const std::string& json);
+
+// A step that prepares the test process, given its private directory; run
+// by the test main in the order the steps were registered.
+using QVTestePreparo = void (*)(const std::string& sDiretorio);
+bool QVTesteRegistraPreparo(QVTestePreparo preparo);
+// A role a test binary can be re-run in (a server, a client for the
+// transport tests): the exit code, or -1 when its arguments do not ask for it.
+using QVTestePapel = int (*)(int argc, char** argv);
+bool QVTesteRegistraPapel(QVTestePapel papel);
+// For the test main.
+void QVTestePreparaProcesso();
+int QVTesteExecutaPapeis(int argc, char** argv);
+
+// ---- support library layer (QVTesteLog.cpp) ----------------------------------
 
 // The lines of the error log files written so far (header lines excluded),
 // and the header lines themselves.
@@ -23,11 +45,5 @@ std::vector<std::string> QVTesteLinhasErro();
 std::vector<std::string> QVTesteCabecalhosErro();
 // Forgets the error log files written so far.
 void QVTesteLimpaLog();
-
-// Writes the machine settings file (JSON text).
-void QVTesteDefineRegistro(const std::string& json);
-
 // A valid initialisation record for a company.
 _REG_DF_INICIALIZAPS QVTesteInicializaPS(const std::string& empresa = "EMPRESA_TESTE");
-
-std::string QVTesteLeArquivo(const std::string& caminho);
