@@ -35,6 +35,7 @@ const Par kPares[] = {
     {"BM_PrimeiraAnexacao1M", "BM_AnexacaoContinua1M", "first append after opening 1M records / the next ones"},
     {"BM_ConsultaIndice", "BM_ConsultaMapa", "an index look-up / the same in a bare map"},
     {"BM_TextoQueCresce", "BM_PwriteFdatasync/0/44", "a text that grows / pwrite + fdatasync of its bytes"},
+    // 3400000: the data bytes of RecordStoreBench.cpp's text file (kBytesTextos).
     {"BM_TextoQueEncolhe", "BM_PwriteFdatasync/1/3400000", "a text that shrinks / rewriting the whole file"},
     {"BM_RpcKeepAlive", "BM_SocketUnixIdaEVolta", "KeepAlive over the socket / a bare socket round trip"},
     {"BM_Atendimento816Rpc", "BM_Atendimento816EmProcesso", "write + read of 816 bytes over the socket / in process"},
