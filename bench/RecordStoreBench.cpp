@@ -1,27 +1,38 @@
-// The record store against the bare system calls it is built on:
-//  - loading a 100 MB record file against one sequential read of its bytes;
-//  - appending / rewriting one record with its flush against pwrite +
-//    fdatasync of the same bytes;
-//  - an index look-up;
-//  - a text that grows (append) and one that shrinks (compaction) in a file
-//    of 100,000 texts.
-// Files live under $ZELKORIN_BENCH_DIR (default /var/tmp/zelkorin-bench):
-// the flush figures mean something only on a real disk.
+// The record store against the bare system calls it is built on; each
+// figure has its baseline (BenchMain.cpp prints the ratios):
+//  - loading a 100 MB record file / one sequential read of its bytes;
+//  - appending or rewriting one record with its flush / pwrite + fdatasync
+//    of the same 512 bytes;
+//  - the first append after opening a file of 1M records / the appends that
+//    follow it on the same file;
+//  - an index look-up / the same look-up in a bare map;
+//  - a text that grows (appended) / pwrite + fdatasync of its bytes at the
+//    end; a text that shrinks (the whole file compacted) / one pwrite +
+//    fdatasync of the whole file.
+// Whatever has a disk in it is timed on the wall clock. Files live under
+// $ZELKORIN_BENCH_DIR (default /var/tmp/zelkorin-bench), where the large
+// ones are kept between runs; the flush figures mean something only on a
+// real disk.
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <random>
 #include <string>
 #include <vector>
 
+#include "bench/BenchComum.h"
 #include "core/qvdatabase/CQVDataBase.h"
 #include "core/qvdatabase/QVFile.h"
+#include "core/qvdatabase/QVFileCopia.h"
 #include "core/qvdatabase/QVTextFile.h"
+#include "platform/QVMemoria.h"
 
 namespace {
 
@@ -31,7 +42,18 @@ struct REG_BENCH {
 };
 static_assert(sizeof(REG_BENCH) == 512);
 
+using CArquivoBench = CQVFile<REG_BENCH>;
+
+// Every record file here has one unique index on the code, and the record
+// at position p has code p.
 std::uint64_t ChaveCodigo(const REG_BENCH& r, QVUInt) { return r.lCodigo; }
+
+REG_BENCH Registro(QVUInt uiCodigo) {
+  REG_BENCH r;
+  std::memset(&r, 0x5A, sizeof r);
+  r.lCodigo = static_cast<std::uint32_t>(uiCodigo);
+  return r;
+}
 
 std::string Diretorio() {
   const char* env = std::getenv("ZELKORIN_BENCH_DIR");
@@ -45,164 +67,292 @@ const CQVProfilerEmpresa& Identidade() {
   return id;
 }
 
-template <class F>
-std::unique_ptr<F> Abre(std::unique_ptr<F> f) {
+// Deletes a data file through the store, which also drops it from the
+// directory's creation control: a file the control lists and the disk lacks
+// fails its next open.
+HRESULT Apaga(const std::string& nome) {
+  CQVFileCopia f(nome, 0);
+  f.SetDiretorio(Diretorio());
+  QV_CHECK(f.Inicializa(&Identidade()));
+  QV_CHECK(f.DeletaArquivo());
+  return S_OK;
+}
+
+HRESULT AbreRegistros(const std::string& nome, std::unique_ptr<CArquivoBench>* pp) {
+  auto f = std::make_unique<CArquivoBench>(nome, 0, std::initializer_list<CArquivoBench::Indice>{
+                                                        {&ChaveCodigo, false, false}});
   f->SetDiretorio(Diretorio());
-  if (FAILED(f->Inicializa(&Identidade()))) std::abort();
-  return f;
+  QV_CHECK(f->Inicializa(&Identidade()));
+  *pp = std::move(f);
+  return S_OK;
 }
 
-std::unique_ptr<CQVFile<REG_BENCH>> ArquivoRegistros(const std::string& nome) {
-  return Abre(std::make_unique<CQVFile<REG_BENCH>>(
-      nome, 0, std::initializer_list<CQVFile<REG_BENCH>::Indice>{{&ChaveCodigo, false, false}}));
-}
-
-// A file of n records with codes 1..n, made once.
-void PreparaRegistros(const std::string& nome, std::size_t n) {
-  const std::string caminho = Diretorio() + "/" + nome;
-  if (std::filesystem::exists(caminho) && std::filesystem::file_size(caminho) == 240 + n * sizeof(REG_BENCH)) return;
-  std::filesystem::remove(caminho);
-  auto f = ArquivoRegistros(nome);
-  std::vector<REG_BENCH> lote(4096);
-  for (std::size_t i = 0; i < n; i += lote.size()) {
-    const std::size_t k = std::min(lote.size(), n - i);
-    for (std::size_t j = 0; j < k; ++j) {
-      std::memset(&lote[j], 0x5A, sizeof lote[j]);
-      lote[j].lCodigo = static_cast<std::uint32_t>(i + j + 1);
-    }
-    lote.resize(k);
-    QVUInt pos = 0;
-    if (FAILED(f->GravaColecao(pos, lote))) std::abort();
-    lote.resize(4096);
+// A file of n to n + uiFolga records, made once and kept between runs (the
+// benchmarks that append to a kept file leave it a little longer each run;
+// past the margin it is made again).
+HRESULT PreparaRegistros(const std::string& nome, QVUInt n, QVUInt uiFolga = 0) {
+  std::error_code ec;
+  const std::uintmax_t tamanho = std::filesystem::file_size(Diretorio() + "/" + nome, ec);
+  if (!ec && tamanho >= kQVTamanhoBlocoCabecalho) {
+    const std::uintmax_t dados = tamanho - kQVTamanhoBlocoCabecalho;
+    if (dados % sizeof(REG_BENCH) == 0 && dados / sizeof(REG_BENCH) >= n && dados / sizeof(REG_BENCH) <= n + uiFolga)
+      return S_OK;
   }
+  QV_CHECK(Apaga(nome));
+  std::unique_ptr<CArquivoBench> f;
+  QV_CHECK(AbreRegistros(nome, &f));
+  std::vector<REG_BENCH> lote;
+  for (QVUInt i = 0; i < n; i += lote.size()) {
+    lote.clear();
+    for (QVUInt p = i + 1; p <= n && lote.size() < 4096; ++p) lote.push_back(Registro(p));
+    QVUInt pos = 0;
+    QV_CHECK(f->GravaColecao(pos, lote));
+  }
+  return S_OK;
 }
 
-constexpr std::size_t k100MB = 100u * 1024 * 1024 / sizeof(REG_BENCH);  // 204,800 records
+// Where BM_PwriteFdatasync writes in its plain file (one the store never
+// sees): at the end, or over the bytes at its start.
+enum EOndeGrava : std::int64_t { eNoFim = 0, eNoInicio = 1 };
+
+constexpr QVUInt k100MB = 100u * 1024 * 1024 / sizeof(REG_BENCH);  // 204,800 records
+constexpr QVUInt k1M = QVUInt{1} << 20;                             // 512 MB of records
+constexpr QVUInt kFolga1M = QVUInt{1} << 16;
+constexpr QVUInt kIndice = 100000;
+constexpr std::size_t kTextos = 100000;
+constexpr std::size_t kTamTexto = 30;
+constexpr std::size_t kBytesTextos = kTextos * (4 + kTamTexto);  // the data of the text file
 
 }  // namespace
 
-static void BM_CargaArquivoRegistros100MB(benchmark::State& state) {
-  PreparaRegistros("CARGA.dat", k100MB);
-  for (auto _ : state) {
-    auto f = ArquivoRegistros("CARGA.dat");
-    benchmark::DoNotOptimize(f->GetQtdRegistros());
-  }
-  state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * k100MB * sizeof(REG_BENCH)));
-}
-BENCHMARK(BM_CargaArquivoRegistros100MB)->Unit(benchmark::kMillisecond);
+// ---- loading --------------------------------------------------------------------
 
-static void BM_LeituraSequencial100MB(benchmark::State& state) {
-  PreparaRegistros("CARGA.dat", k100MB);
-  const std::string caminho = Diretorio() + "/CARGA.dat";
-  std::vector<char> buffer(k100MB * sizeof(REG_BENCH) + 240);
+static void BM_CargaArquivoRegistros100MB(benchmark::State& state) {
+  if (QVFalhouBench(state, "PreparaRegistros(\"CARGA.dat\", k100MB)", PreparaRegistros("CARGA.dat", k100MB))) return;
   for (auto _ : state) {
-    const int fd = open(caminho.c_str(), O_RDONLY);
-    std::size_t lido = 0;
-    for (ssize_t n; (n = read(fd, buffer.data() + lido, buffer.size() - lido)) > 0;) lido += static_cast<std::size_t>(n);
-    close(fd);
-    benchmark::DoNotOptimize(lido);
+    std::unique_ptr<CArquivoBench> f;
+    if (QVFalhouBench(state, "AbreRegistros(\"CARGA.dat\", &f)", AbreRegistros("CARGA.dat", &f))) break;
+    benchmark::DoNotOptimize(f->GetQtdRegistros());
+    state.PauseTiming();  // the load is timed, not the release of its memory
+    f.reset();
+    state.ResumeTiming();
   }
   state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * k100MB * sizeof(REG_BENCH)));
 }
-BENCHMARK(BM_LeituraSequencial100MB)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_CargaArquivoRegistros100MB)->UseRealTime()->MinTime(1)->Unit(benchmark::kMillisecond);
+
+// Into fresh memory taken the way the store takes it for its records: on a
+// virtual machine, first touching memory can cost as much as the read.
+static void BM_LeituraSequencial100MB(benchmark::State& state) {
+  if (QVFalhouBench(state, "PreparaRegistros(\"CARGA.dat\", k100MB)", PreparaRegistros("CARGA.dat", k100MB))) return;
+  const std::string caminho = Diretorio() + "/CARGA.dat";
+  const std::size_t tamanho = k100MB * sizeof(REG_BENCH) + kQVTamanhoBlocoCabecalho;
+  for (auto _ : state) {
+    CQVBloco bloco(tamanho);
+    const int fd = ::open(caminho.c_str(), O_RDONLY | O_CLOEXEC);
+    std::size_t lido = 0;
+    for (ssize_t n; (n = ::read(fd, bloco.get() + lido, tamanho - lido)) > 0;) lido += static_cast<std::size_t>(n);
+    ::close(fd);
+    if (lido != tamanho) {
+      state.SkipWithError("read");
+      break;
+    }
+    state.PauseTiming();
+    bloco = CQVBloco();
+    state.ResumeTiming();
+  }
+  state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * k100MB * sizeof(REG_BENCH)));
+}
+BENCHMARK(BM_LeituraSequencial100MB)->UseRealTime()->MinTime(1)->Unit(benchmark::kMillisecond);
+
+// ---- writing one record ----------------------------------------------------------
 
 // Argument: 0 = header updated at every flush, 1 = deferred to the end.
 static void BM_AnexaRegistroComFlush(benchmark::State& state) {
-  std::filesystem::remove(Diretorio() + "/ANEXA.dat");
+  if (QVFalhouBench(state, "Apaga(\"ANEXA.dat\")", Apaga("ANEXA.dat"))) return;
   CQVDataBase db;
   db.SetDiretorio(Diretorio());
   db.SetAtualizacaoCabecalhoAdiada(state.range(0) != 0);
-  if (FAILED(db.Inicializa(&Identidade()))) std::abort();
-  CQVFile<REG_BENCH> f("ANEXA.dat", 0, {{&ChaveCodigo, false, false}});
-  if (FAILED(f.Inicializa(&db))) std::abort();
-  REG_BENCH r{};
-  std::uint32_t codigo = 0;
+  if (QVFalhouBench(state, "db.Inicializa(&Identidade())", db.Inicializa(&Identidade()))) return;
+  CArquivoBench f("ANEXA.dat", 0, {{&ChaveCodigo, false, false}});
+  if (QVFalhouBench(state, "f.Inicializa(&db)", f.Inicializa(&db))) return;
+  QVUInt uiCodigo = 0;
   for (auto _ : state) {
-    r.lCodigo = ++codigo;
     QVUInt pos = 0;
-    if (FAILED(f.Grava(pos, r))) state.SkipWithError("Grava");
+    if (QVFalhouBench(state, "f.Grava(pos, r)", f.Grava(pos, Registro(++uiCodigo)))) break;
   }
 }
-BENCHMARK(BM_AnexaRegistroComFlush)->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_AnexaRegistroComFlush)->Arg(0)->Arg(1)->UseRealTime()->Unit(benchmark::kMicrosecond);
 
 static void BM_ReescreveRegistroComFlush(benchmark::State& state) {
-  PreparaRegistros("REESCREVE.dat", 1000);
-  auto f = ArquivoRegistros("REESCREVE.dat");
-  REG_BENCH r{};
-  r.lCodigo = 500;
+  std::unique_ptr<CArquivoBench> f;
+  if (QVFalhouBench(state, "PreparaRegistros(\"REESCREVE.dat\", 1000)", PreparaRegistros("REESCREVE.dat", 1000)) ||
+      QVFalhouBench(state, "AbreRegistros(\"REESCREVE.dat\", &f)", AbreRegistros("REESCREVE.dat", &f)))
+    return;
+  REG_BENCH r = Registro(500);
   for (auto _ : state) {
     QVUInt pos = 500;
     r.resto[0]++;
-    if (FAILED(f->Grava(pos, r))) state.SkipWithError("Grava");
+    if (QVFalhouBench(state, "f->Grava(pos, r)", f->Grava(pos, r))) break;
   }
 }
-BENCHMARK(BM_ReescreveRegistroComFlush)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_ReescreveRegistroComFlush)->UseRealTime()->Unit(benchmark::kMicrosecond);
 
-// Argument: 0 = append at the end, 1 = rewrite in place.
+// Arguments: where (EOndeGrava), and how many bytes each write carries.
 static void BM_PwriteFdatasync(benchmark::State& state) {
-  const std::string caminho = Diretorio() + "/PWRITE.dat";
+  const std::string caminho = Diretorio() + "/PWRITE.raw";
   std::filesystem::remove(caminho);
-  const int fd = open(caminho.c_str(), O_RDWR | O_CREAT, 0644);
-  REG_BENCH r{};
-  off_t fim = 0;
+  const int fd = ::open(caminho.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
+  const bool bNoFim = state.range(0) == eNoFim;
+  const std::vector<char> bytes(static_cast<std::size_t>(state.range(1)), 'w');
+  // A rewrite overwrites bytes that are already there.
+  if (!bNoFim && ::pwrite(fd, bytes.data(), bytes.size(), 0) != static_cast<ssize_t>(bytes.size()))
+    state.SkipWithError("pwrite");
+  off_t fim = bNoFim ? 0 : static_cast<off_t>(bytes.size());
   for (auto _ : state) {
-    const off_t o = state.range(0) == 0 ? fim : 0;
-    if (pwrite(fd, &r, sizeof r, o) != static_cast<ssize_t>(sizeof r)) state.SkipWithError("pwrite");
-    fdatasync(fd);
-    fim += sizeof r;
+    const off_t o = bNoFim ? fim : 0;
+    if (::pwrite(fd, bytes.data(), bytes.size(), o) != static_cast<ssize_t>(bytes.size()) || ::fdatasync(fd) != 0) {
+      state.SkipWithError("pwrite + fdatasync");
+      break;
+    }
+    if (bNoFim) fim += static_cast<off_t>(bytes.size());
   }
-  close(fd);
+  ::close(fd);
+  std::filesystem::remove(caminho);
 }
-BENCHMARK(BM_PwriteFdatasync)->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_PwriteFdatasync)
+    ->Args({eNoFim, sizeof(REG_BENCH)})
+    ->Args({eNoInicio, sizeof(REG_BENCH)})
+    ->Args({eNoFim, 4 + 40})  // the text that grows
+    ->Args({eNoInicio, kBytesTextos})
+    ->UseRealTime()
+    ->Unit(benchmark::kMicrosecond);
+
+// ---- the first append after an open ----------------------------------------------
+
+namespace {
+
+// The 1M file loaded, with its index built the way the server's first
+// look-up builds it: what is left for the first append is its own work.
+HRESULT Abre1M(std::unique_ptr<CArquivoBench>* pp) {
+  QV_CHECK(AbreRegistros("ANEXA1M.dat", pp));
+  bool bExiste = false;
+  QVUInt pos = 0;
+  QV_CHECK((*pp)->ExisteIndex(0, 1, &bExiste, &pos));
+  return S_OK;
+}
+
+}  // namespace
+
+// Each iteration opens the file and times its first append alone; the open
+// (a 512 MB load) and the close around it are set-up.
+static void BM_PrimeiraAnexacao1M(benchmark::State& state) {
+  if (QVFalhouBench(state, "PreparaRegistros(\"ANEXA1M.dat\", k1M, kFolga1M)",
+                    PreparaRegistros("ANEXA1M.dat", k1M, kFolga1M)))
+    return;
+  for (auto _ : state) {
+    std::unique_ptr<CArquivoBench> f;
+    if (QVFalhouBench(state, "Abre1M(&f)", Abre1M(&f))) break;
+    const REG_BENCH r = Registro(f->GetQtdRegistros() + 1);
+    QVUInt pos = 0;
+    const auto inicio = std::chrono::steady_clock::now();
+    const HRESULT hr = f->Grava(pos, r);
+    state.SetIterationTime(std::chrono::duration<double>(std::chrono::steady_clock::now() - inicio).count());
+    if (QVFalhouBench(state, "f->Grava(pos, r)", hr)) break;
+  }
+}
+BENCHMARK(BM_PrimeiraAnexacao1M)->UseManualTime()->Iterations(3)->Unit(benchmark::kMillisecond);
+
+static void BM_AnexacaoContinua1M(benchmark::State& state) {
+  std::unique_ptr<CArquivoBench> f;
+  if (QVFalhouBench(state, "PreparaRegistros(\"ANEXA1M.dat\", k1M, kFolga1M)",
+                    PreparaRegistros("ANEXA1M.dat", k1M, kFolga1M)) ||
+      QVFalhouBench(state, "Abre1M(&f)", Abre1M(&f)))
+    return;
+  QVUInt uiCodigo = f->GetQtdRegistros();
+  QVUInt pos = 0;
+  if (QVFalhouBench(state, "f->Grava(pos, r)", f->Grava(pos, Registro(++uiCodigo)))) return;  // the first one
+  for (auto _ : state) {
+    pos = 0;
+    if (QVFalhouBench(state, "f->Grava(pos, r)", f->Grava(pos, Registro(++uiCodigo)))) break;
+  }
+}
+BENCHMARK(BM_AnexacaoContinua1M)->UseRealTime()->Iterations(300)->Unit(benchmark::kMicrosecond);
+
+// ---- index look-ups ----------------------------------------------------------------
 
 static void BM_ConsultaIndice(benchmark::State& state) {
-  PreparaRegistros("INDICE.dat", 100000);
-  auto f = ArquivoRegistros("INDICE.dat");
-  bool existe = false;
+  std::unique_ptr<CArquivoBench> f;
+  if (QVFalhouBench(state, "PreparaRegistros(\"INDICE.dat\", kIndice)", PreparaRegistros("INDICE.dat", kIndice)) ||
+      QVFalhouBench(state, "AbreRegistros(\"INDICE.dat\", &f)", AbreRegistros("INDICE.dat", &f)))
+    return;
+  bool bExiste = false;
   QVUInt pos = 0;
-  if (FAILED(f->ExisteIndex(0, 1, &existe, &pos))) std::abort();  // builds the index
+  if (QVFalhouBench(state, "f->ExisteIndex(0, 1, &bExiste, &pos)", f->ExisteIndex(0, 1, &bExiste, &pos)))
+    return;  // builds the index
   std::mt19937 gerador(42);
-  std::uniform_int_distribution<std::uint32_t> chave(1, 100000);
+  std::uniform_int_distribution<std::uint32_t> chave(1, kIndice);
   for (auto _ : state) {
-    benchmark::DoNotOptimize(f->ExisteIndex(0, chave(gerador), &existe, &pos));
+    benchmark::DoNotOptimize(f->ExisteIndex(0, chave(gerador), &bExiste, &pos));
     benchmark::DoNotOptimize(pos);
   }
 }
 BENCHMARK(BM_ConsultaIndice);
 
+// The same keys in a bare map of the same shape: the index without the
+// file's lock and call layers.
+static void BM_ConsultaMapa(benchmark::State& state) {
+  std::map<std::uint64_t, std::vector<QVUInt>> indice;
+  for (QVUInt p = 1; p <= kIndice; ++p) indice[p].push_back(p);
+  std::mt19937 gerador(42);
+  std::uniform_int_distribution<std::uint32_t> chave(1, kIndice);
+  for (auto _ : state) {
+    const auto it = indice.find(chave(gerador));
+    QVUInt pos = it != indice.end() ? it->second.front() : 0;
+    benchmark::DoNotOptimize(pos);
+  }
+}
+BENCHMARK(BM_ConsultaMapa);
+
+// ---- texts -------------------------------------------------------------------------
+
 namespace {
 
-constexpr std::size_t kTextos = 100000;
-
-std::unique_ptr<CQVTextFile> ArquivoTextos() {
-  const std::string nome = "TEXTOS.dat";
-  const std::string caminho = Diretorio() + "/" + nome;
-  std::filesystem::remove(caminho);
-  auto f = Abre(std::make_unique<CQVTextFile>(nome, 0));
-  std::vector<std::string> textos(kTextos, std::string(30, 'x'));
+// A new file of kTextos texts of kTamTexto characters.
+HRESULT PreparaTextos(std::unique_ptr<CQVTextFile>* pp) {
+  QV_CHECK(Apaga("TEXTOS.dat"));
+  auto f = std::make_unique<CQVTextFile>("TEXTOS.dat", 0);
+  f->SetDiretorio(Diretorio());
+  QV_CHECK(f->Inicializa(&Identidade()));
+  const std::vector<std::string> textos(kTextos, std::string(kTamTexto, 'x'));
   QVUInt pos = 0;
-  if (FAILED(f->GravaColecao(pos, textos))) std::abort();
-  return f;
+  QV_CHECK(f->GravaColecao(pos, textos));
+  *pp = std::move(f);
+  return S_OK;
 }
 
 }  // namespace
 
 static void BM_TextoQueCresce(benchmark::State& state) {
-  auto f = ArquivoTextos();
+  std::unique_ptr<CQVTextFile> f;
+  if (QVFalhouBench(state, "PreparaTextos(&f)", PreparaTextos(&f))) return;
+  const std::string texto(40, 'y');
   QVUInt p = 0;
   for (auto _ : state) {
     QVUInt pos = ++p % kTextos + 1;
-    if (FAILED(f->Grava(pos, std::string(40, 'y')))) state.SkipWithError("Grava");
+    if (QVFalhouBench(state, "f->Grava(pos, texto)", f->Grava(pos, texto))) break;
   }
 }
-BENCHMARK(BM_TextoQueCresce)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_TextoQueCresce)->UseRealTime()->Unit(benchmark::kMicrosecond);
 
 static void BM_TextoQueEncolhe(benchmark::State& state) {
-  auto f = ArquivoTextos();
+  std::unique_ptr<CQVTextFile> f;
+  if (QVFalhouBench(state, "PreparaTextos(&f)", PreparaTextos(&f))) return;
+  const std::string texto(10, 'z');
   QVUInt p = 0;
   for (auto _ : state) {
     QVUInt pos = ++p % kTextos + 1;
-    if (FAILED(f->Grava(pos, std::string(10, 'z')))) state.SkipWithError("Grava");
+    if (QVFalhouBench(state, "f->Grava(pos, texto)", f->Grava(pos, texto))) break;
   }
 }
-BENCHMARK(BM_TextoQueEncolhe)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_TextoQueEncolhe)->UseRealTime()->Unit(benchmark::kMillisecond);
