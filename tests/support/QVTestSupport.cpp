@@ -1,5 +1,6 @@
 #include "tests/support/QVTestSupport.h"
 
+#include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -9,6 +10,7 @@
 
 #include "df/qvlibex/QVProfilerLog.h"
 #include "platform/QVMachineSettings.h"
+#include "suite/hostlink/QVSessaoSuite.h"
 
 namespace fs = std::filesystem;
 
@@ -73,7 +75,9 @@ void QVTesteDefineRegistro(const std::string& json) {
 
 _REG_DF_INICIALIZAPS QVTesteInicializaPS(const std::string& empresa) {
   QVDadosInicializacao d;
-  d.empresa = empresa;
+  // As a client sends it: a company the record cannot carry unchanged is a
+  // mistake of the test, not a case to cut down.
+  if (FAILED(QVEmpresaParaRegistro(empresa, &d.empresa))) ADD_FAILURE() << "empresa inválida no teste: " << empresa;
   d.usuario = 7;
   d.numeroSessao = 1234;
   d.aplicativo = "testes";

@@ -27,7 +27,8 @@ void QVTesteLimpaLog();
 // Writes the machine settings file (JSON text).
 void QVTesteDefineRegistro(const std::string& json);
 
-// A valid initialisation record for a company.
+// A valid initialisation record for a company (UTF-8, carried unchanged in
+// the suite's code page).
 _REG_DF_INICIALIZAPS QVTesteInicializaPS(const std::string& empresa = "EMPRESA_TESTE");
 
 std::string QVTesteLeArquivo(const std::string& caminho);

@@ -38,11 +38,24 @@ TEST(QVTranslate, CadaClausulaNaOrdem) {
   EXPECT_EQ(Traduz(new CMemoryException()), QVHr(0x8004EA62u));
   EXPECT_EQ(Traduz(new CInvalidArgException()), QVHr(0x8004EA67u));
   EXPECT_EQ(Traduz(new COutraExcecao()), QVHr(0x8004EA63u));
-  EXPECT_EQ(Traduz(static_cast<long>(QVHr(0x80041234u))), QVHr(0x80041234u));
+  EXPECT_EQ(Traduz(QVHr(0x80041234u)), QVHr(0x80041234u));  // a thrown status
   EXPECT_EQ(Traduz(std::bad_alloc()), QVHr(0x8004EA64u));
   EXPECT_EQ(Traduz(std::runtime_error("x")), QVHr(0x8004EA65u));
-  EXPECT_EQ(Traduz(42), QVHr(0x8004EA66u));  // an int is not a long
   EXPECT_EQ(Traduz(CQVSEH()), QVHr(0x8004EA66u));
+  EXPECT_EQ(Traduz(0x80041234u), QVHr(0x8004EA66u));  // an unsigned int is no status
+}
+
+// A 64-bit long is a status only when the value is one, spelt signed or
+// unsigned; wider values are not cut down to one.
+TEST(QVTranslate, LongDe64Bits) {
+  static_assert(sizeof(long) == 8);
+  EXPECT_EQ(Traduz(static_cast<long>(QVHr(0x80041234u))), QVHr(0x80041234u));
+  EXPECT_EQ(Traduz(0x80041234L), QVHr(0x80041234u));
+  EXPECT_EQ(Traduz(0xFFFFFFFFL), QVHr(0xFFFFFFFFu));
+  EXPECT_EQ(Traduz(-2147483648L), QVHr(0x80000000u));
+  EXPECT_EQ(Traduz(0x100000000L), QVHr(0x8004EA66u));
+  EXPECT_EQ(Traduz(0x180041234L), QVHr(0x8004EA66u));
+  EXPECT_EQ(Traduz(-2147483649L), QVHr(0x8004EA66u));
 }
 
 TEST(QVTranslate, CQVExceptionRelatorio) {
