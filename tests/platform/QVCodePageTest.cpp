@@ -18,19 +18,6 @@ TEST(QVCodePage, CincoBytesSemCaractere) {
   EXPECT_EQ(indefinidos, "\x81\x8D\x8F\x90\x9D");
 }
 
-TEST(QVCodePage, ConversaoExataRecusaEmVezDeTrocar) {
-  const struct {
-    const char* utf8;
-    bool bExata;
-  } casos[] = {{"Construções €", true}, {"Ωmega", false}, {"a\xC3", false}, {"?", true}, {"", true}};
-  for (const auto& c : casos) {
-    SCOPED_TRACE(c.utf8);
-    std::string ansi = "antes";
-    EXPECT_EQ(QVUtf8ToAnsiExato(c.utf8, &ansi), c.bExata);
-    EXPECT_EQ(ansi, c.bExata ? QVUtf8ToAnsi(c.utf8) : "antes");
-  }
-}
-
 TEST(QVCodePage, MaiusculasDaPaginaDeCodigo) {
   EXPECT_EQ(QVMaiusculasCodePage("ação ÿ š œ ž é"), "AÇÃO Ÿ Š Œ Ž É");
   EXPECT_EQ(QVMaiusculasCodePage("ß ÷ µ 1"), "ß ÷ µ 1");  // no capital in the code page, or no letter

@@ -22,6 +22,7 @@
 #include "df/qvlibex/QVDatas.h"
 #include "df/qvlibex/QVLog.h"
 #include "df/qvlibex/QVProfilerLog.h"
+#include "df/qvlibex/QVRegistrosDF.h"
 #include "df/qvlibex/QVStatus.h"
 #include "ge/zelkorin/ZelkorinArquivos.h"
 #include "platform/QVCodePage.h"
@@ -45,9 +46,7 @@ std::string Status(HRESULT hr) {
 
 template <std::size_t N>
 std::string Texto(const char (&campo)[N]) {
-  std::size_t n = 0;
-  while (n < N && campo[n] != '\0') ++n;
-  return QVAnsiToUtf8(std::string(campo, n));
+  return QVAnsiToUtf8(QVLeCampoTexto(campo));
 }
 
 std::string Diretorio(const std::string& c) {

@@ -37,20 +37,6 @@ struct CLeitor {
 
 }  // namespace
 
-TEST_F(QVLogTest, CabecalhoByteAByte) {
-  CLeitor leitor;
-  leitor.m_hr = E_QVCR_ARQUIVO_NAO_EXISTE;
-  ASSERT_EQ(leitor.LeVerificando(), E_QVCR_ARQUIVO_NAO_EXISTE);
-  const auto cabecalhos = QVTesteCabecalhosErro();
-  ASSERT_EQ(cabecalhos.size(), 1u);
-  EXPECT_EQ(cabecalhos[0] + "\n",
-            "Data\tHora\tProcesso\tUsuarioLocal\tClasseFuncao\tGuid\tEmpresa\tUsuario\tSessao\tThreadID\tEmpresa\t"
-            "Usuario\tNumeroSessao\tUsuarioDominio\tAplicativo\tModuleName\tArquivoFonte\tLinhaFonte\tWTS\tFiller\t"
-            "Filler\tTipo\tMemoriaDisponivel\tMemoriaTotal\tMemoriaComponente\tVersaoVireo\tVersaoSO\tArquivo\tLinha\t"
-            "Log\tParameter1\tParameter2\tParameter3\tParameter4\tParameter5\tParameter6\tParameter7\tParameter8\t"
-            "Parameter9\n");
-}
-
 TEST_F(QVLogTest, FalhaNaoToleradaEscreveUmaLinhaERetornaOCodigo) {
   CLeitor leitor;
   leitor.m_hr = E_QVCR_ARQUIVO_NAO_EXISTE;
@@ -62,6 +48,14 @@ TEST_F(QVLogTest, FalhaNaoToleradaEscreveUmaLinhaERetornaOCodigo) {
   EXPECT_NE(l.find("\tdf/qvlibex/QVLogTest\t"), std::string::npos) << l;
   EXPECT_NE(l.find("\tERRO\t"), std::string::npos);
   EXPECT_EQ(l.back(), '\t');  // the last cell ends with its tab too
+  const auto cabecalhos = QVTesteCabecalhosErro();
+  ASSERT_EQ(cabecalhos.size(), 1u);
+  EXPECT_EQ(cabecalhos[0] + "\n",
+            "Data\tHora\tProcesso\tUsuarioLocal\tClasseFuncao\tGuid\tEmpresa\tUsuario\tSessao\tThreadID\tEmpresa\t"
+            "Usuario\tNumeroSessao\tUsuarioDominio\tAplicativo\tModuleName\tArquivoFonte\tLinhaFonte\tWTS\tFiller\t"
+            "Filler\tTipo\tMemoriaDisponivel\tMemoriaTotal\tMemoriaComponente\tVersaoVireo\tVersaoSO\tArquivo\tLinha\t"
+            "Log\tParameter1\tParameter2\tParameter3\tParameter4\tParameter5\tParameter6\tParameter7\tParameter8\t"
+            "Parameter9\n");
   EXPECT_NE(l.find("hr = Le(3, nullptr)\thr = 0X810809E3 O arquivo não existe\tSEVERITY = 1 SEVERITY_ERROR\t"
                    "FACILITY = 264 FACILITY_QVCR\tCODE = 2531 ERROR_DESCONHECIDO\t"
                    "Descrição = E_QVCR_ARQUIVO_NAO_EXISTE"),

@@ -136,7 +136,6 @@ TEST_F(ComandosDbTest, DumpDeRegistrosEDeTextos) {
 TEST_F(ComandosDbTest, VerifyDoDiretorioComoBancoDaEmpresa) {
   QVTesteGravaBytes(Caminho("GEATTEC2202008.dat"), QVTesteBytes(Caminho("GEATTEC2202007.dat")));
   QVTesteGravaBytes(Caminho("GEAtCla0519.DAT"), "");  // the old month form, before the conversion
-  QVTesteGravaBytes(Caminho("GEAtCla202213.DAT"), "");  // month 13
   QVTesteGravaBytes(Caminho("GeAtStrV1.tra"), "");  // an interrupted rewrite
   std::filesystem::remove(Caminho("GeAtStrV1.dat"));  // listed in the control, gone
   QVTesteGravaBytes(Caminho("XXMARCA7.dat"), "");  // left by a process that ended
@@ -149,7 +148,6 @@ TEST_F(ComandosDbTest, VerifyDoDiretorioComoBancoDaEmpresa) {
                    "renomeia para GEAtCla201905.DAT"),
             std::string::npos)
       << s;
-  EXPECT_NE(s.find("GEAtCla202213.DAT: E_QVCR_NOME_ARQUIVO_GROUP_INVALIDO"), std::string::npos) << s;
   EXPECT_NE(s.find("GeAtStrV1.tra: E_QVCR_ARQUIVO_TRA_ENCONTRADO"), std::string::npos) << s;
   EXPECT_NE(s.find("GeAtStrV1.dat: E_QVCR_INCONSISTENCIA_CONTROLE_CRIACAO_ARQUIVOS"), std::string::npos) << s;
   EXPECT_NE(s.find("XXMARCA7.dat: AVISO marca abandonada"), std::string::npos) << s;
