@@ -2,8 +2,9 @@
 //
 // The suite's own session library is closed; these interfaces are the
 // operations the server calls on it, and CQVSessaoSuitePadrao is the
-// embedded default that stands in for it: it accepts any company and user
-// and keeps each company's data under one data root.
+// embedded default that stands in for it: it accepts any user and any
+// company whose name can name a folder (below), and keeps each company's
+// data under one data root.
 //
 // Default data layout: <raiz>/<empresa>/<pasta do módulo>/, the module
 // folder being "GE" for the GE module (9) and "M<n>" for any other; the

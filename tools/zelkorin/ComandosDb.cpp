@@ -128,11 +128,15 @@ void VerificaMeses(const std::string& sDir, const std::vector<std::string>& nome
                 "período ilegível no nome; o grupo " + sPadrao + " recusa o diretório");
       }
       std::uint16_t iMA = 0;
-      if (raiz.bRenomeadaPelaConversao && QVNomeMensalAntigo(n, raiz.raiz, &iMA))
-        Aviso(pAchados, sDir + "/" + n,
-              iMA != 0 ? "nome no formato antigo (mês e ano com dois dígitos); a conversão o renomeia para " +
-                             CQVFileNameFormatMa<10>::Nome(raiz.raiz, iMA)
-                       : "nome no formato antigo com período ilegível; a conversão não o renomeia");
+      if (!raiz.bRenomeadaPelaConversao || !QVNomeMensalAntigo(n, raiz.raiz, &iMA)) continue;
+      const std::string sNovo = CQVFileNameFormatMa<10>::Nome(raiz.raiz, iMA);
+      // The conversion leaves an old file alone when the new name is taken.
+      const bool bNovoExiste =
+          std::any_of(nomes.begin(), nomes.end(), [&](const std::string& m) { return QVNomesIguais(m, sNovo); });
+      Aviso(pAchados, sDir + "/" + n,
+            iMA == 0      ? "nome no formato antigo com período ilegível; a conversão não o renomeia"
+            : bNovoExiste ? "nome no formato antigo; " + sNovo + " já existe e a conversão o deixa como está"
+                          : "nome no formato antigo (mês e ano com dois dígitos); a conversão o renomeia para " + sNovo);
     }
   }
   for (auto& [raiz, lista] : meses) {
@@ -232,13 +236,6 @@ std::string Hex(const unsigned char* p, std::size_t n) {
   return s;
 }
 
-// Writes the line that records an administrator's change to a company's
-// data in the error log (the log has no other kind of row for events).
-void LogaAlteracao(const QVLocalFonte& local, const std::string& sMensagem, std::vector<QVParametroLog> parametros) {
-  QVEscreveLinhaErroTexto(nullptr, QVNomeQualificado(local.assinatura), QVNomeFonte(local.arquivo), local.linha,
-                          sMensagem, std::move(parametros));
-}
-
 }  // namespace
 
 int QVComandoDbHeader(const std::string& sArquivo, std::ostream& out, std::ostream& err) {
@@ -329,9 +326,9 @@ int QVComandoDbVerify(const std::vector<std::string>& caminhos, std::optional<st
     v.r = QVVerificaArquivo(a, v.eTipo, v.tamRegistro);
     verificados.push_back(std::move(v));
   }
-  const auto falhas = std::count_if(achados.begin(), achados.end(), [](const Achado& a) { return a.eNivel == ENivel::Falha; }) +
-                      std::count_if(verificados.begin(), verificados.end(),
-                                    [](const ArquivoVerificado& v) { return FAILED(v.r.hr); });
+  const auto falhas =
+      std::count_if(achados.begin(), achados.end(), [](const Achado& a) { return a.eNivel == ENivel::Falha; }) +
+      std::count_if(verificados.begin(), verificados.end(), [](const ArquivoVerificado& v) { return FAILED(v.r.hr); });
   if (bJson) {
     nlohmann::json j = {{"achados", nlohmann::json::array()}, {"arquivos", nlohmann::json::array()}, {"falhas", falhas}};
     for (const Achado& a : achados) j["achados"].push_back(AchadoJson(a));
@@ -451,10 +448,12 @@ int QVComandoDbControl(const std::string& sDir, const std::optional<std::string>
       err << *sEsquecer << ": " << Status(hr) << " - " << QVDescricaoHResult(hr) << "\n";
       return 1;
     }
-    LogaAlteracao(QV_LOCAL,
-                  "Entrada removida do controle de criação de arquivos por um administrador "
-                  "(zelkorin db control --forget): o arquivo não existe mais",
-                  {{"sNomeArquivo", QVAnsiToUtf8(sListado)}, {"sDiretorio", sDir}});
+    // The administrator's change goes to the error log, so that the next
+    // one sees what was done (the log has no other kind of row for events).
+    QVEscreveLinhaErroTexto(nullptr, QVNomeQualificado(__PRETTY_FUNCTION__), QVNomeFonte(__FILE__), __LINE__,
+                            "Entrada removida do controle de criação de arquivos por um administrador "
+                            "(zelkorin db control --forget): o arquivo não existe mais",
+                            {{"sNomeArquivo", QVAnsiToUtf8(sListado)}, {"sDiretorio", sDir}});
     if (bJson)
       out << nlohmann::json({{"controle", sControle}, {"removido", QVAnsiToUtf8(sListado)}}).dump(2) << "\n";
     else

@@ -59,7 +59,7 @@ TEST_F(QVSessaoSuiteTest, NomesRecusadosComMotivoENenhumaPasta) {
     const char* motivo;  // null: accepted
   } casos[] = {
       {std::string(47, 'E'), nullptr},
-      {std::string(24, '\xC3') , "página de código"},  // not UTF-8
+      {std::string(24, '\xC3'), "página de código"},  // not UTF-8
       {std::string(23, 'E') + "ÇÇÇÇÇÇÇÇÇÇÇÇÇÇÇÇÇÇÇÇÇÇÇÇ", nullptr},  // 47 bytes in the code page, 71 in UTF-8
       {std::string(48, 'E'), "mais de 47 bytes"},
       {"Ωmega", "página de código"},

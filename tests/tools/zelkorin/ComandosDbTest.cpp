@@ -136,6 +136,8 @@ TEST_F(ComandosDbTest, DumpDeRegistrosEDeTextos) {
 TEST_F(ComandosDbTest, VerifyDoDiretorioComoBancoDaEmpresa) {
   QVTesteGravaBytes(Caminho("GEATTEC2202008.dat"), QVTesteBytes(Caminho("GEATTEC2202007.dat")));
   QVTesteGravaBytes(Caminho("GEAtCla0519.DAT"), "");  // the old month form, before the conversion
+  QVTesteGravaBytes(Caminho("GeAtDsp0720.DAT"), "");  // its new name is taken: never renamed
+  QVTesteGravaBytes(Caminho("GEATDSP202007.DAT"), "");
   QVTesteGravaBytes(Caminho("GeAtStrV1.tra"), "");  // an interrupted rewrite
   std::filesystem::remove(Caminho("GeAtStrV1.dat"));  // listed in the control, gone
   QVTesteGravaBytes(Caminho("XXMARCA7.dat"), "");  // left by a process that ended
@@ -147,6 +149,8 @@ TEST_F(ComandosDbTest, VerifyDoDiretorioComoBancoDaEmpresa) {
   EXPECT_NE(s.find("GEAtCla0519.DAT: AVISO nome no formato antigo (mês e ano com dois dígitos); a conversão o "
                    "renomeia para GEAtCla201905.DAT"),
             std::string::npos)
+      << s;
+  EXPECT_NE(s.find("GeAtDsp0720.DAT: AVISO nome no formato antigo; GeAtDsp202007.DAT já existe"), std::string::npos)
       << s;
   EXPECT_NE(s.find("GeAtStrV1.tra: E_QVCR_ARQUIVO_TRA_ENCONTRADO"), std::string::npos) << s;
   EXPECT_NE(s.find("GeAtStrV1.dat: E_QVCR_INCONSISTENCIA_CONTROLE_CRIACAO_ARQUIVOS"), std::string::npos) << s;
