@@ -49,8 +49,11 @@ class CQVDataBaseControleCriacaoArquivos {
   // Whether a file name is never controlled.
   static bool EhExcluido(const std::string& sNomeArquivo);
 
- private:
+  // The names listed, as written, through a read-only open: nothing is
+  // written and no other process is held up (the administrators' tools).
   [[nodiscard]] HRESULT LeLista(std::vector<std::string>* pNomes);
+
+ private:
 
   IQVFileBase* m_pArquivo = nullptr;
   std::uint32_t m_eModulo = 0;

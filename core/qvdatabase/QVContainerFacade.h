@@ -12,8 +12,6 @@
 // the opening itself.
 #pragma once
 
-#include <algorithm>
-#include <cctype>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -23,6 +21,7 @@
 
 #include "df/qvlibex/QVLog.h"
 #include "df/qvlibex/QVProfilerEmpresa.h"
+#include "platform/QVCodePage.h"
 
 template <class DB>
 class CQVContainerFacade {
@@ -101,12 +100,11 @@ class CQVContainerFacade {
     int iUsuarios = 0;
   };
 
-  // Companies name folders of a case-insensitive file system: "Acme" and
-  // "ACME" are one company.
-  static std::string Chave(std::string sEmpresa, std::uint32_t eModulo) {
-    std::transform(sEmpresa.begin(), sEmpresa.end(), sEmpresa.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
-    return sEmpresa + "|" + std::to_string(eModulo);
+  // Companies name folders of a file system that ignores case: "Ação" and
+  // "AÇÃO" are one company, one folder, one database object (the same fold
+  // as the session library's resolution of the company's folder).
+  static std::string Chave(const std::string& sEmpresa, std::uint32_t eModulo) {
+    return QVMaiusculasCodePage(sEmpresa) + "|" + std::to_string(eModulo);
   }
 
   mutable std::mutex m_mutex;

@@ -22,17 +22,11 @@ CQVGroupFileBase::~CQVGroupFileBase() {
 }
 
 bool CQVGroupFileBase::CorrespondeAoPadrao(const std::string& sNome) const {
-  if (sNome.size() != m_sNomeArquivo.size()) return false;
-  for (std::size_t i = 0; i < sNome.size(); ++i) {
-    const char p = m_sNomeArquivo[i];
-    if (p != '?' && std::toupper(static_cast<unsigned char>(p)) != std::toupper(static_cast<unsigned char>(sNome[i])))
-      return false;
-  }
-  return true;
+  return QVCorrespondeAoPadraoGrupo(m_sNomeArquivo, sNome);
 }
 
 std::uint64_t CQVGroupFileBase::ChaveDoNomeArquivo(const std::string& sNome) const {
-  return CorrespondeAoPadrao(sNome) ? CQVFileNameFormatMa<10>::Periodo(sNome, Prefixo(m_sNomeArquivo)) : 0;
+  return QVPeriodoMembroGrupo(m_sNomeArquivo, sNome);
 }
 
 std::string CQVGroupFileBase::NomeArquivoDaChave(std::uint64_t uiChave) const {

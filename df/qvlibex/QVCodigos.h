@@ -47,6 +47,9 @@ inline constexpr HRESULT E_QVCR_ARQUIVO_TEXTO_QUANTIDADE_CARACTERES_INVALIDA = Q
 // Support library and suite message numbers (n OR 0x80040000).
 inline constexpr HRESULT QVHrDeMensagem(std::uint32_t n) { return QVHr(n | 0x80040000u); }
 inline constexpr HRESULT E_QVDF_EMPRESA_SEM_DIRETORIO_DADOS = QVHr(0x80040931u);  // message 2353
+// A company name that cannot name the company's folder or fill the
+// initialisation record's field unchanged (suite/hostlink/QVSessaoSuite.h).
+inline constexpr HRESULT E_QVDF_NOME_EMPRESA_INVALIDO = QVHr(0x80040932u);
 inline constexpr HRESULT E_QVDF_FALHA_ACESSAR_REGISTRY = QVHr(0x80043F59u);  // message 16217
 inline constexpr HRESULT ER_QVDF_CO_CREATE_INSTANCE_INTERFACE_NULA = QVHr(0x80043F5Au);  // message 16218
 inline constexpr HRESULT E_QVDF_MARCA_ACESSO_NEGADO = QVHr(0x80043ED0u);  // message 16080

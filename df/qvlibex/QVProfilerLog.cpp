@@ -1,20 +1,15 @@
 #include "df/qvlibex/QVProfilerLog.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <atomic>
-#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <mutex>
 
+#include "df/qvlibex/QVVersao.h"
 #include "platform/QVCodePage.h"
 #include "platform/QVGuid.h"
+#include "platform/QVLogFile.h"
 #include "platform/QVMachineSettings.h"
-#include "df/qvlibex/QVVersao.h"
 #include "platform/QVSystemInfo.h"
 
 const char kQVCabecalhoErros[] =
@@ -137,19 +132,9 @@ std::string MontaLinha(const QVRegistroProfiler& reg, const SYSTEMTIME& st) {
   }
   for (std::size_t i = 0; i < reg.parametros.size() && i < 9; ++i)
     Celula(linha, reg.parametros[i].nome + " = " + reg.parametros[i].valor);
-  linha.back() = '\n';
+  // Every cell, the last one too, ends with its tab.
+  linha.push_back('\n');
   return linha;
-}
-
-bool GravaTudo(int fd, const std::string& s) {
-  std::size_t feito = 0;
-  while (feito < s.size()) {
-    const ssize_t n = ::write(fd, s.data() + feito, s.size() - feito);
-    if (n < 0 && errno == EINTR) continue;
-    if (n <= 0) return false;
-    feito += static_cast<std::size_t>(n);
-  }
-  return true;
 }
 
 }  // namespace
@@ -193,23 +178,10 @@ void QVProfilerEscreve(const QVRegistroProfiler& reg) noexcept {
     if (reg.tipo == EQVTipoProfiler::Erro && g_espelho.load(std::memory_order_relaxed))
       std::fprintf(stderr, "%s %s: %s\n", reg.classeFuncao.c_str(), reg.arquivo.c_str(), reg.log.c_str());
 
-    const std::string caminho = QVProfilerCaminho(reg, st);
-    std::error_code ec;
-    std::filesystem::create_directories(std::filesystem::path(caminho).parent_path(), ec);
-    const int fd = ::open(caminho.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0644);
-    if (fd < 0) return;
-    // The lock makes "is the file empty? then write the header" one step for
-    // every process appending to the same month file.
-    struct flock trava {};
-    trava.l_type = F_WRLCK;
-    trava.l_whence = SEEK_SET;
-    while (::fcntl(fd, F_OFD_SETLKW, &trava) != 0 && errno == EINTR) {
-    }
-    struct stat info {};
-    if (::fstat(fd, &info) == 0 && info.st_size == 0)
-      GravaTudo(fd, reg.tipo == EQVTipoProfiler::Erro ? kQVCabecalhoErros : kQVCabecalhoTempos);
-    GravaTudo(fd, linha);
-    ::close(fd);  // closing the description releases the lock
+    // A failure to append is not reported: logging never changes the
+    // outcome of the operation that logs.
+    (void)QVAppendLogRecord(QVProfilerCaminho(reg, st),
+                            reg.tipo == EQVTipoProfiler::Erro ? kQVCabecalhoErros : kQVCabecalhoTempos, linha);
   } catch (...) {
     // A failure while logging is ignored.
   }

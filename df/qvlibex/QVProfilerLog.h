@@ -9,9 +9,11 @@
 //                                     (sources under core/, df/, suite/, platform/)
 //   QVProfilerErros_Pgms_YYYYMM.log   errors raised by the programs (ge/, tools/)
 //   QVProfilerTempos_Pgms_YYYYMM.log  call tracing (ENTROU / SAIU lines)
-// Text is UTF-8. A file that does not exist yet gets the header line first;
-// writers of several processes append under an advisory lock, so the header
-// is written once and lines never interleave. A failure while logging is
+// Text is UTF-8, one record per line, every cell (the last one too)
+// followed by its tab. A file that does not exist yet gets the header line
+// first; writers of several processes append under an advisory lock, so the
+// header is written once and lines never interleave (QVAppendLogRecord). The
+// folder is made 0750 and the files 0640. A failure while logging is
 // ignored: logging never changes the outcome of the operation that logs.
 #pragma once
 

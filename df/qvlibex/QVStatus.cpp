@@ -14,6 +14,8 @@ namespace {
 constexpr QVCodigoSistema kCodigos[] = {
     {QVHr(0x80040931u), "E_QVDF_EMPRESA_SEM_DIRETORIO_DADOS",
      "A empresa não possui diretório de dados para o módulo"},
+    {QVHr(0x80040932u), "E_QVDF_NOME_EMPRESA_INVALIDO",
+     "Nome de empresa inválido: caractere fora da página de código, mais de 47 bytes, ou impossível como nome de pasta"},
     {QVHr(0x80043ED0u), "E_QVDF_MARCA_ACESSO_NEGADO",
      "Acesso negado ao arquivo de marca da base de dados; tempo de espera esgotado"},
     {QVHr(0x80043F59u), "E_QVDF_FALHA_ACESSAR_REGISTRY",

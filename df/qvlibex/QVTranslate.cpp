@@ -1,6 +1,7 @@
 #include "df/qvlibex/QVTranslate.h"
 
 #include <cerrno>
+#include <cstdint>
 #include <cstdlib>
 #include <exception>
 #include <mutex>
@@ -28,8 +29,16 @@ HRESULT QVTranslateThrownExceptionToHresult() {
     return E_QVDF_EXCECAO_CINVALIDARGEXCEPTION;
   } catch (CException*) {
     return E_QVDF_EXCECAO_CEXCEPTION;
+  } catch (HRESULT valor) {
+    // A thrown status: the 32-bit "long" of the platform the clients were
+    // written for.
+    return valor;
   } catch (long valor) {
-    return static_cast<HRESULT>(valor);
+    // Code that throws a status as a long here gets a 64-bit one: a status
+    // spelt negative (the value sign-extended) or unsigned ("0x8004xxxxL")
+    // is that status; anything wider is no status at all.
+    if (valor >= INT32_MIN && valor <= static_cast<long>(UINT32_MAX)) return QVHr(static_cast<std::uint32_t>(valor));
+    return E_QVDF_EXCECAO_DESCONHECIDA;
   } catch (const std::bad_alloc&) {
     return E_QVDF_EXCECAO_BAD_ALLOC;
   } catch (const std::exception&) {

@@ -16,7 +16,9 @@
 //   CQVException* -> OS error | 0x80040000 when non-zero, else 0x8004EA61;
 //   CFileException* -> HRESULT_FROM_WIN32(OS error);
 //   CMemoryException* -> 0x8004EA62; CInvalidArgException* -> 0x8004EA67;
-//   other CException* -> 0x8004EA63; long -> its value;
+//   other CException* -> 0x8004EA63; a thrown status (HRESULT, 32 bits)
+//   -> its value; a 64-bit long -> its low 32 bits when it is a status
+//   spelt signed or unsigned, else 0x8004EA66;
 //   std::bad_alloc -> 0x8004EA64; other std::exception -> 0x8004EA65;
 //   anything else -> 0x8004EA66.
 // Heap-thrown exception objects are not freed here (QVLiberaExcecaoLancada).

@@ -1,8 +1,6 @@
 #include "ge/zelkorin/ZelkorinArquivos.h"
 
-#include <strings.h>
-
-#include <cctype>
+#include "core/qvdatabase/QVFileNameFormat.h"
 
 namespace {
 
@@ -15,6 +13,8 @@ constexpr QVArquivoGE kArquivos[] = {
     {"GEAtGer", EQVTipoConteudo::Registros, 32, true},
     {"GEAtSes", EQVTipoConteudo::Registros, 8, true},
     {"GEATEFDV1", EQVTipoConteudo::Registros, 128, true},
+    // The follow-up references of the calls, one file per month.
+    {"GEATTPINT", EQVTipoConteudo::Registros, 8, true},
     // The service calls, one file.
     {"GEAtRet", EQVTipoConteudo::Registros, 64, false},
     {"GEAtDedu", EQVTipoConteudo::Registros, 32, false},
@@ -32,34 +32,27 @@ constexpr QVArquivoGE kArquivos[] = {
     {"QVDATABASE_FILE_CTRL", EQVTipoConteudo::Texto, 0, false},
 };
 
-bool IguaisSemCaixa(const std::string& a, const char* b) { return strcasecmp(a.c_str(), b) == 0; }
+// The conversion renames the old month names of nine roots (the first nine,
+// in its order); the others have only ever had "AAAAMM" names. The old
+// atendimento files ("GEATEND" + "MMAA") are no group: the conversion turns
+// them into "GEATTEC2" months. "GeAtSrv" is a prefix of "GEATSRVV3" and
+// "GeAtCmt" of "GeAtCmtSrv": their patterns differ in length, so no name is
+// a member of two groups.
+constexpr QVRaizMensalGE kRaizesMensais[] = {
+    {"GEATTEC2", true}, {"GeAtSrv", true},    {"GeAtDsp", true},    {"GEAtCla", true},    {"GEAtGer", true},
+    {"GEAtSes", true},  {"GeAtCmt", true},    {"GeAtCmtSrv", true}, {"GeAtDec", true},    {"GEATSRVV3", false},
+    {"GEATEFDV1", false}, {"GEATTPINT", false},
+};
 
 }  // namespace
 
 const QVArquivoGE* QVProcuraArquivoGE(const std::string& sNomeArquivo) {
-  const std::size_t ponto = sNomeArquivo.find_last_of('.');
-  if (ponto == std::string::npos || !IguaisSemCaixa(sNomeArquivo.substr(ponto + 1), "dat")) return nullptr;
-  const std::string sRaiz = sNomeArquivo.substr(0, ponto);
-  for (const QVArquivoGE& a : kArquivos)
-    if (IguaisSemCaixa(sRaiz, a.raiz)) return a.bPorMes ? nullptr : &a;
-  // A month file: the root and six digits of year and month.
-  if (sRaiz.size() > 6) {
-    const std::string sPrefixo = sRaiz.substr(0, sRaiz.size() - 6);
-    bool bDigitos = true;
-    for (std::size_t i = sPrefixo.size(); i < sRaiz.size(); ++i)
-      bDigitos &= std::isdigit(static_cast<unsigned char>(sRaiz[i])) != 0;
-    if (bDigitos)
-      for (const QVArquivoGE& a : kArquivos)
-        if (a.bPorMes && IguaisSemCaixa(sPrefixo, a.raiz)) return &a;
+  for (const QVArquivoGE& a : kArquivos) {
+    if (a.bPorMes ? QVCorrespondeAoPadraoGrupo(QVPadraoGrupoMensal(a.raiz), sNomeArquivo)
+                  : QVNomesIguais(sNomeArquivo, std::string(a.raiz) + ".dat"))
+      return &a;
   }
   return nullptr;
 }
 
-std::vector<const char*> QVRaizesPorMesGE() {
-  std::vector<const char*> raizes;
-  for (const QVArquivoGE& a : kArquivos)
-    if (a.bPorMes) raizes.push_back(a.raiz);
-  // Older layouts, renamed to the four-digit-year form by the conversion.
-  for (const char* antiga : {"GeAtSrv", "GeAtCmt", "GeAtCmtSrv", "GeAtDec", "GEATEND"}) raizes.push_back(antiga);
-  return raizes;
-}
+std::span<const QVRaizMensalGE> QVRaizesMensaisGE() { return kRaizesMensais; }

@@ -1,8 +1,14 @@
 #include "suite/hostlink/QVSessaoSuite.h"
 
 #include <cstdlib>
+#include <filesystem>
 #include <mutex>
 
+#include "df/qvlibex/QVCodigos.h"
+#include "df/qvlibex/QVLog.h"
+#include "df/qvlibex/QVProfilerLog.h"
+#include "platform/QVCodePage.h"
+#include "platform/QVFolders.h"
 #include "platform/QVOsFile.h"
 
 namespace {
@@ -11,18 +17,81 @@ std::mutex g_mutex;
 std::shared_ptr<IQVSessaoSuite> g_sessao;
 std::string g_raiz;
 
+constexpr std::size_t kMaxBytesEmpresa = sizeof(_REG_DF_INICIALIZAPS::szEmpresa) - 1;
+
+// Names the suite's file system keeps for devices, with or without an
+// extension.
+bool EhNomeDeDispositivo(const std::string& sNome) {
+  const std::string sBase = QVMaiusculasCodePage(sNome.substr(0, sNome.find('.')));
+  if (sBase == "CON" || sBase == "PRN" || sBase == "AUX" || sBase == "NUL") return true;
+  return sBase.size() == 4 && (sBase.rfind("COM", 0) == 0 || sBase.rfind("LPT", 0) == 0) && sBase[3] >= '1' &&
+         sBase[3] <= '9';
+}
+
+bool PodeSerPasta(const std::string& sNome) {
+  if (sNome == "." || sNome == ".." || sNome.back() == ' ' || sNome.back() == '.' || EhNomeDeDispositivo(sNome))
+    return false;
+  for (unsigned char c : sNome)
+    if (c < 0x20 || c == 0x7F || std::string_view("/\\<>:\"|?*").find(static_cast<char>(c)) != std::string_view::npos)
+      return false;
+  return true;
+}
+
+std::string Normal(const std::string& sCaminho) {
+  std::string s = std::filesystem::path(sCaminho).lexically_normal().string();
+  while (s.size() > 1 && s.back() == '/') s.pop_back();
+  return s;
+}
+
+// Whether the company's folder would be the error log's: the same parent as
+// written, the same name without regard to case.
+bool EhPastaDoLog(const std::string& sEmpresa) {
+  const std::filesystem::path log(Normal(QVProfilerDiretorio()));
+  return Normal(log.parent_path().string()) == Normal(QVRaizDados()) &&
+         QVIguaisSemCaixa(log.filename().string(), sEmpresa);
+}
+
+HRESULT Recusa(std::string* pMotivo, const char* sMotivo) {
+  if (pMotivo != nullptr) *pMotivo = sMotivo;
+  return E_QVDF_NOME_EMPRESA_INVALIDO;
+}
+
 }  // namespace
 
-HRESULT CQVSessaoSuitePadrao::Conecta(const _REG_DF_INICIALIZAPS&) { return S_OK; }
+HRESULT CQVSessaoSuitePadrao::Conecta(const _REG_DF_INICIALIZAPS& regps) {
+  // An empty company is no company: the database's facade answers that.
+  if (regps.szEmpresa[0] == '\0') return S_OK;
+  const std::string sCampo = QVLeCampoTexto(regps.szEmpresa);
+  std::string sMotivo;
+  HRESULT hr = S_OK;
+  if (sCampo.size() > kMaxBytesEmpresa)
+    hr = Recusa(&sMotivo, "szEmpresa sem terminador");
+  else if (!QVAnsiDefinido(sCampo))
+    hr = Recusa(&sMotivo, "byte que não é caractere da página de código");
+  else
+    hr = QVValidaNomeEmpresa(QVAnsiToUtf8(sCampo), &sMotivo);
+  if (FAILED(hr))
+    QVLogaFalhaHr(QV_LOCAL, "E_QVDF_NOME_EMPRESA_INVALIDO", hr,
+                  {{"szEmpresa", QVAnsiToUtf8(sCampo)}, {"sMotivo", sMotivo}});
+  return hr;
+}
 
 HRESULT CQVSessaoSuitePadrao::GetDiretorioDadosModulo(std::uint32_t modulo, const std::string& empresa,
                                                       std::string* pDiretorio) {
   if (pDiretorio == nullptr) return E_POINTER;
   pDiretorio->clear();
-  if (!QVNomeEmpresaValido(empresa)) return S_OK;
-  // The suite sets a company's folders up before anyone asks for them; the
-  // embedded default makes them at the first request.
-  const std::string sDiretorio = QVRaizDados() + "/" + empresa + "/" + QVPastaModulo(modulo);
+  if (empresa.empty()) return S_OK;
+  std::string sMotivo;
+  if (const HRESULT hr = QVValidaNomeEmpresa(empresa, &sMotivo); FAILED(hr)) {
+    QVLogaFalhaHr(QV_LOCAL, "E_QVDF_NOME_EMPRESA_INVALIDO", hr, {{"empresa", empresa}, {"sMotivo", sMotivo}});
+    return hr;
+  }
+  // One company, one folder: the one on disk under any case, else a new one
+  // spelt as asked. The suite sets a company's folders up before anyone
+  // asks for them; the embedded default makes them at the first request.
+  const std::string sRaiz = QVRaizDados();
+  const std::string sEmpresa = sRaiz + "/" + QVResolveFolderCase(sRaiz, empresa);
+  const std::string sDiretorio = sEmpresa + "/" + QVResolveFolderCase(sEmpresa, QVPastaModulo(modulo));
   const HRESULT hr = QVCreateDirectories(sDiretorio);
   if (FAILED(hr)) return hr;
   *pDiretorio = sDiretorio;
@@ -64,9 +133,24 @@ std::string QVPastaModulo(std::uint32_t modulo) {
   return sPasta;
 }
 
-bool QVNomeEmpresaValido(const std::string& empresa) {
-  if (empresa.empty() || empresa == "." || empresa == "..") return false;
-  for (unsigned char c : empresa)
-    if (c == '/' || c == '\\' || c < 0x20 || c == 0x7F) return false;
-  return true;
+HRESULT QVEmpresaParaRegistro(const std::string& sEmpresa, std::string* pAnsi, std::string* pMotivo) {
+  std::string sAnsi;
+  if (!QVUtf8ToAnsiExato(sEmpresa, &sAnsi)) return Recusa(pMotivo, "caractere fora da página de código (Windows-1252)");
+  if (sAnsi.size() > kMaxBytesEmpresa) return Recusa(pMotivo, "mais de 47 bytes na página de código");
+  *pAnsi = std::move(sAnsi);
+  return S_OK;
+}
+
+std::string QVRecusaEmpresaParaRegistro(const std::string& sEmpresa) {
+  std::string sAnsi, sMotivo;
+  return FAILED(QVEmpresaParaRegistro(sEmpresa, &sAnsi, &sMotivo)) ? "empresa \"" + sEmpresa + "\": " + sMotivo
+                                                                    : std::string();
+}
+
+HRESULT QVValidaNomeEmpresa(const std::string& sEmpresa, std::string* pMotivo) {
+  std::string sAnsi;
+  if (const HRESULT hr = QVEmpresaParaRegistro(sEmpresa, &sAnsi, pMotivo); FAILED(hr)) return hr;
+  if (sEmpresa.empty() || !PodeSerPasta(sEmpresa)) return Recusa(pMotivo, "não pode ser nome de pasta");
+  if (EhPastaDoLog(sEmpresa)) return Recusa(pMotivo, "é a pasta do log de erros");
+  return S_OK;
 }

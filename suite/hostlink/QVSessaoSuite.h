@@ -2,16 +2,30 @@
 //
 // The suite's own session library is closed; these interfaces are the
 // operations the server calls on it, and CQVSessaoSuitePadrao is the
-// embedded default that stands in for it: it accepts any company and user
-// and keeps each company's data under one data root.
+// embedded default that stands in for it: it accepts any user and any
+// company whose name can name a folder (below), and keeps each company's
+// data under one data root.
 //
 // Default data layout: <raiz>/<empresa>/<pasta do módulo>/, the module
 // folder being "GE" for the GE module (9) and "M<n>" for any other; the
-// folders are made at the first request for them. The
-// data root is QVDefineRaizDados, else the environment variable
-// ZELKORIN_ROOT, else $HOME/.local/share/zelkorin. A company whose name
-// cannot be a folder name ("", ".", "..", or with '/', '\\' or control
-// characters) has no data directory.
+// folders are made at the first request for them. The data root is
+// QVDefineRaizDados, else the environment variable ZELKORIN_ROOT, else
+// $HOME/.local/share/zelkorin.
+//
+// Company names, as the suite's file system sees them: letter case does not
+// count, so "Empresa" and "EMPRESA" are one company whose folder is the one
+// already on disk under any case. The embedded default refuses, with
+// E_QVDF_NOME_EMPRESA_INVALIDO and the reason in the error log, a name that
+// (QVValidaNomeEmpresa):
+//  - has a character outside the suite's code page, or more than 47 bytes
+//    in it (szEmpresa is char[48] with its terminator): never cut, never a
+//    '?' in its place;
+//  - cannot be a folder name: ".", "..", a '/', '\\', control character or
+//    one of <>:"|?*, a trailing space or dot (dropped by the suite's file
+//    system: another company's folder), a device name (CON, NUL, COM1...);
+//  - is the error log's folder ("QVProfiler", any case) when the log lives
+//    under the data root.
+// An empty name is no company: it has no data directory.
 #pragma once
 
 #include <cstdint>
@@ -46,7 +60,8 @@ class IQVSessaoSuite {
   // Validates the user and session of an initialisation record and connects
   // them to the record's company.
   [[nodiscard]] virtual HRESULT Conecta(const _REG_DF_INICIALIZAPS& regps) = 0;
-  // The data directory of a module for a company; "" when it has none.
+  // The data directory of a module for a company (UTF-8); "" when it has
+  // none.
   [[nodiscard]] virtual HRESULT GetDiretorioDadosModulo(std::uint32_t modulo, const std::string& empresa,
                                                         std::string* pDiretorio) = 0;
   virtual IQVAcessoGerenciador* GetAcessoGerenciador() = 0;
@@ -75,5 +90,17 @@ void QVDefineRaizDados(const std::string& raiz);
 std::string QVRaizDados();
 // The folder name of a module under a company's directory.
 std::string QVPastaModulo(std::uint32_t modulo);
-// Whether a company name can be used as a folder name.
-bool QVNomeEmpresaValido(const std::string& empresa);
+
+// The company of an initialisation record from a user's text (UTF-8): its
+// bytes in the suite's code page, exactly. E_QVDF_NOME_EMPRESA_INVALIDO,
+// with the reason in *pMotivo, when a character has no byte there or the
+// bytes do not fit szEmpresa: never cut, never replaced. Whatever builds a
+// record from a company it was given goes through here.
+[[nodiscard]] HRESULT QVEmpresaParaRegistro(const std::string& sEmpresa, std::string* pAnsi,
+                                            std::string* pMotivo = nullptr);
+// The same as a command-line check: "" when accepted, else the reason.
+std::string QVRecusaEmpresaParaRegistro(const std::string& sEmpresa);
+// Whether a company name (UTF-8, not empty) can be a company of this
+// session library; the rules above. S_OK or E_QVDF_NOME_EMPRESA_INVALIDO
+// with the reason in *pMotivo.
+[[nodiscard]] HRESULT QVValidaNomeEmpresa(const std::string& sEmpresa, std::string* pMotivo = nullptr);

@@ -45,5 +45,9 @@ std::vector<std::string> QVTesteLinhasErro();
 std::vector<std::string> QVTesteCabecalhosErro();
 // Forgets the error log files written so far.
 void QVTesteLimpaLog();
-// A valid initialisation record for a company.
+
+// ---- session layer (QVTesteSessao.cpp) ---------------------------------------
+
+// A valid initialisation record for a company (UTF-8, carried unchanged in
+// the suite's code page).
 _REG_DF_INICIALIZAPS QVTesteInicializaPS(const std::string& empresa = "EMPRESA_TESTE");

@@ -1,6 +1,5 @@
 // The support library's part of the test support: the error log, pointed
-// into the test's directory, read back by the tests; the initialisation
-// record.
+// into the test's directory and read back by the tests.
 #include <cstdlib>
 #include <filesystem>
 #include <sstream>
@@ -50,16 +49,3 @@ void PreparaLog(const std::string& dir) {
 const bool g_log = QVTesteRegistraPreparo(PreparaLog);
 
 }  // namespace
-
-_REG_DF_INICIALIZAPS QVTesteInicializaPS(const std::string& empresa) {
-  QVDadosInicializacao d;
-  d.empresa = empresa;
-  d.usuario = 7;
-  d.numeroSessao = 1234;
-  d.aplicativo = "testes";
-  d.moduleName = "GE";
-  d.arquivoFonte = "QVTestSupport.cpp";
-  d.linhaFonte = 42;
-  d.nomeUsuarioDominio = "dominio\\teste";
-  return QVMontaInicializaPS(d);
-}

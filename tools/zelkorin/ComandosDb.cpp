@@ -1,18 +1,16 @@
 #include "tools/zelkorin/ComandosDb.h"
 
-#include <strings.h>
-
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cctype>
-#include <map>
 #include <cstdio>
 #include <cstring>
 #include <iostream>
+#include <map>
 #include <memory>
 #include <nlohmann/json.hpp>
 
 #include "core/qvdatabase/CQVDataBase.h"
+#include "core/qvdatabase/CQVDataBaseControleCriacaoArquivos.h"
 #include "core/qvdatabase/CQVDataBaseUtil.h"
 #include "core/qvdatabase/QVFileNameFormat.h"
 #include "core/qvdatabase/QVFileRegistros.h"
@@ -22,10 +20,14 @@
 #include "df/qvlibex/QVCodigos.h"
 #include "df/qvlibex/QVCrc64.h"
 #include "df/qvlibex/QVDatas.h"
+#include "df/qvlibex/QVLog.h"
+#include "df/qvlibex/QVProfilerLog.h"
+#include "df/qvlibex/QVRegistrosDF.h"
 #include "df/qvlibex/QVStatus.h"
 #include "ge/zelkorin/ZelkorinArquivos.h"
 #include "platform/QVCodePage.h"
 #include "platform/QVOsFile.h"
+#include "suite/hostlink/QVSessaoSuite.h"
 
 namespace {
 
@@ -44,9 +46,7 @@ std::string Status(HRESULT hr) {
 
 template <std::size_t N>
 std::string Texto(const char (&campo)[N]) {
-  std::size_t n = 0;
-  while (n < N && campo[n] != '\0') ++n;
-  return QVAnsiToUtf8(std::string(campo, n));
+  return QVAnsiToUtf8(QVLeCampoTexto(campo));
 }
 
 std::string Diretorio(const std::string& c) {
@@ -77,84 +77,163 @@ bool LeInicio(const std::string& sArquivo, std::string* pBytes, std::uint64_t* p
   return true;
 }
 
-bool IguaisSemCaixa(const std::string& a, const std::string& b) {
-  return a.size() == b.size() && strncasecmp(a.c_str(), b.c_str(), a.size()) == 0;
+bool EhArquivoDeMarca(const std::string& sNome) { return QVNomesIguais(sNome.substr(0, 7), "XXMARCA"); }
+bool EhDat(const std::string& sNome) { return QVNomesIguais(CQVDataBaseUtil::Extensao(sNome), "dat"); }
+
+// One thing a directory check found, on a line of its own.
+enum class ENivel { Falha, Aviso, Informacao };
+struct Achado {
+  std::string sCaminho;
+  ENivel eNivel;
+  HRESULT hr;  // failures only
+  std::string sTexto;
+};
+
+void Falha(std::vector<Achado>* p, std::string sCaminho, HRESULT hr, std::string sTexto) {
+  p->push_back({std::move(sCaminho), ENivel::Falha, hr, std::move(sTexto)});
+}
+void Aviso(std::vector<Achado>* p, std::string sCaminho, std::string sTexto) {
+  p->push_back({std::move(sCaminho), ENivel::Aviso, S_OK, std::move(sTexto)});
+}
+void Informa(std::vector<Achado>* p, std::string sCaminho, std::string sTexto) {
+  p->push_back({std::move(sCaminho), ENivel::Informacao, S_OK, std::move(sTexto)});
 }
 
-bool EhArquivoDeMarca(const std::string& sNome) { return strncasecmp(sNome.c_str(), "XXMARCA", 7) == 0; }
-
-bool SoDigitos(const std::string& s) {
-  return !s.empty() && std::all_of(s.begin(), s.end(), [](unsigned char c) { return std::isdigit(c) != 0; });
+// The names the file-creation control of a directory lists, read through
+// the control itself (read-only: nothing is written).
+HRESULT LeControle(const std::string& sDir, std::vector<std::string>* pNomes) {
+  CQVTextFile arquivoControle(QVDATABASE_NOME_ARQUIVO_CONTROLE_CRIACAO_ARQUIVOS, 0);
+  arquivoControle.SetDiretorio(sDir);
+  CQVDataBaseControleCriacaoArquivos controle;
+  QV_CHECK(controle.Inicializa(&arquivoControle));
+  QV_CHECK(controle.LeLista(pNomes));
+  return S_OK;
 }
 
-// The checks of a company's directory as a whole: month files, the
-// file-creation control, left-over copies and marks. Returns the failures.
-int VerificaDiretorio(const std::string& sDir, const std::vector<std::string>& nomes, std::ostream& out) {
-  int falhas = 0;
-  // Month files, grouped by root: each name's period must be readable.
+std::string Mes(std::uint16_t iMA) { return QVDiaTexto(QVPrimeiroDiaDoMes(iMA)).substr(0, 7); }
+
+// Month files: every root the module opens as a group judges the names by
+// the groups' own rule, so a name reported here is one the server refuses,
+// and a name the server takes is never reported.
+void VerificaMeses(const std::string& sDir, const std::vector<std::string>& nomes, std::vector<Achado>* pAchados) {
   std::map<std::string, std::vector<std::uint16_t>> meses;
   for (const std::string& n : nomes) {
-    const std::size_t ponto = n.find_last_of('.');
-    if (ponto == std::string::npos || strcasecmp(n.c_str() + ponto + 1, "dat") != 0) continue;
-    const std::string sRaiz = n.substr(0, ponto);
-    for (const char* raiz : QVRaizesPorMesGE()) {
-      const std::size_t t = std::strlen(raiz);
-      if (sRaiz.size() <= t || strncasecmp(sRaiz.c_str(), raiz, t) != 0 || !SoDigitos(sRaiz.substr(t))) continue;
-      const std::uint16_t iMA = CQVFileNameFormatMa<10>::Periodo(sRaiz, raiz);
-      if (sRaiz.size() == t + 6 && iMA != 0) {
-        meses[raiz].push_back(iMA);
-      } else if (sRaiz.size() == t + 4) {
-        out << sDir << "/" << n << ": AVISO nome no formato antigo (mês e ano com dois dígitos); a conversão o renomeia\n";
-      } else {
-        ++falhas;
-        out << sDir << "/" << n << ": " << Status(E_QVCR_NOME_ARQUIVO_GROUP_INVALIDO) << " - período ilegível no nome\n";
+    for (const QVRaizMensalGE& raiz : QVRaizesMensaisGE()) {
+      const std::string sPadrao = QVPadraoGrupoMensal(raiz.raiz);
+      if (QVCorrespondeAoPadraoGrupo(sPadrao, n)) {
+        if (const std::uint16_t iMA = QVPeriodoMembroGrupo(sPadrao, n); iMA != 0)
+          meses[raiz.raiz].push_back(iMA);
+        else
+          Falha(pAchados, sDir + "/" + n, E_QVCR_NOME_ARQUIVO_GROUP_INVALIDO,
+                "período ilegível no nome; o grupo " + sPadrao + " recusa o diretório");
       }
+      std::uint16_t iMA = 0;
+      if (!raiz.bRenomeadaPelaConversao || !QVNomeMensalAntigo(n, raiz.raiz, &iMA)) continue;
+      const std::string sNovo = CQVFileNameFormatMa<10>::Nome(raiz.raiz, iMA);
+      // The conversion leaves an old file alone when the new name is taken.
+      const bool bNovoExiste =
+          std::any_of(nomes.begin(), nomes.end(), [&](const std::string& m) { return QVNomesIguais(m, sNovo); });
+      Aviso(pAchados, sDir + "/" + n,
+            iMA == 0      ? "nome no formato antigo com período ilegível; a conversão não o renomeia"
+            : bNovoExiste ? "nome no formato antigo; " + sNovo + " já existe e a conversão o deixa como está"
+                          : "nome no formato antigo (mês e ano com dois dígitos); a conversão o renomeia para " + sNovo);
     }
   }
   for (auto& [raiz, lista] : meses) {
     std::sort(lista.begin(), lista.end());
-    out << sDir << "/" << raiz << "AAAAMM.DAT: " << lista.size() << (lista.size() == 1 ? " mês" : " meses") << ", de "
-        << QVDiaTexto(QVPrimeiroDiaDoMes(lista.front())).substr(0, 7) << " a "
-        << QVDiaTexto(QVPrimeiroDiaDoMes(lista.back())).substr(0, 7) << "\n";
+    Informa(pAchados, sDir + "/" + raiz + "AAAAMM.DAT",
+            std::to_string(lista.size()) + (lista.size() == 1 ? " mês" : " meses") + ", de " + Mes(lista.front()) +
+                " a " + Mes(lista.back()));
   }
+}
 
-  // The control file: every listed file must be on disk.
-  if (std::any_of(nomes.begin(), nomes.end(),
-                  [](const std::string& n) { return IguaisSemCaixa(n, QVDATABASE_NOME_ARQUIVO_CONTROLE_CRIACAO_ARQUIVOS); })) {
-    CQVDataBase db;
-    db.SetSomenteLeitura(true);
-    db.SetDiretorio(sDir);
-    const CQVProfilerEmpresa identidade;
-    CQVTextFile controle(QVDATABASE_NOME_ARQUIVO_CONTROLE_CRIACAO_ARQUIVOS, 0);
-    if (SUCCEEDED(db.Inicializa(&identidade)) && SUCCEEDED(controle.Inicializa(&db))) {
-      for (const CQVTextFile::Entrada& e : *controle.GetPtrRegistros()) {
-        if (QVFileExists(sDir + "/" + e.sTexto)) continue;
-        ++falhas;
-        out << sDir << "/" << QVAnsiToUtf8(e.sTexto) << ": " << Status(E_QVCR_INCONSISTENCIA_CONTROLE_CRIACAO_ARQUIVOS)
-            << " - listado em " << QVDATABASE_NOME_ARQUIVO_CONTROLE_CRIACAO_ARQUIVOS << " e ausente do disco\n";
-      }
-    }
-  }
+// The checks of a company's directory as a whole: month files, the
+// file-creation control, left-over copies and marks.
+void VerificaDiretorio(const std::string& sDir, const std::vector<std::string>& nomes, std::vector<Achado>* pAchados) {
+  VerificaMeses(sDir, nomes, pAchados);
+
+  std::vector<std::string> listados;
+  if (const HRESULT hr = LeControle(sDir, &listados); FAILED(hr))
+    Falha(pAchados, sDir + "/" + QVDATABASE_NOME_ARQUIVO_CONTROLE_CRIACAO_ARQUIVOS, hr, "controle ilegível");
+  for (const std::string& n : listados)
+    if (!QVFileExists(sDir + "/" + n))
+      Falha(pAchados, sDir + "/" + QVAnsiToUtf8(n), E_QVCR_INCONSISTENCIA_CONTROLE_CRIACAO_ARQUIVOS,
+            std::string("listado em ") + QVDATABASE_NOME_ARQUIVO_CONTROLE_CRIACAO_ARQUIVOS +
+                " e ausente do disco (zelkorin db control)");
 
   for (const std::string& n : nomes) {
     // A copy left by an interrupted rewrite or header creation.
-    if (IguaisSemCaixa(CQVDataBaseUtil::Extensao(n), "tra")) {
-      ++falhas;
-      out << sDir << "/" << n << ": " << Status(E_QVCR_ARQUIVO_TRA_ENCONTRADO) << " - "
-          << QVDescricaoHResult(E_QVCR_ARQUIVO_TRA_ENCONTRADO) << "\n";
-    }
+    if (QVNomesIguais(CQVDataBaseUtil::Extensao(n), "tra"))
+      Falha(pAchados, sDir + "/" + n, E_QVCR_ARQUIVO_TRA_ENCONTRADO, QVDescricaoHResult(E_QVCR_ARQUIVO_TRA_ENCONTRADO));
     // Marks: held by a running process, or left by one that ended. A
     // read-only open that denies nothing tells them apart without touching
     // the file: only a holder refuses it.
     if (EhArquivoDeMarca(n)) {
       auto f = QVCreateRealOsFile();
-      const bool bLivre = f->Open(sDir + "/" + n, QVFILE_MODE_READ | QVFILE_SHARE_DENY_NONE | QVFILE_MODE_NO_TRUNCATE);
-      out << sDir << "/" << n
-          << (bLivre ? ": AVISO marca abandonada por um processo que terminou; não bloqueia ninguém\n"
-                     : ": marcada por um processo em execução\n");
+      if (f->Open(sDir + "/" + n, QVFILE_MODE_READ | QVFILE_SHARE_DENY_NONE | QVFILE_MODE_NO_TRUNCATE))
+        Aviso(pAchados, sDir + "/" + n, "marca abandonada por um processo que terminou; não bloqueia ninguém");
+      else
+        Informa(pAchados, sDir + "/" + n, "marcada por um processo em execução");
     }
   }
-  return falhas;
+}
+
+void EscreveAchado(const Achado& a, std::ostream& out) {
+  out << a.sCaminho << ": ";
+  if (a.eNivel == ENivel::Falha) out << Status(a.hr) << " - ";
+  if (a.eNivel == ENivel::Aviso) out << "AVISO ";
+  out << a.sTexto << "\n";
+}
+
+nlohmann::json AchadoJson(const Achado& a) {
+  static const char* const kNiveis[] = {"falha", "aviso", "informacao"};
+  nlohmann::json j = {{"caminho", a.sCaminho}, {"nivel", kNiveis[static_cast<int>(a.eNivel)]}, {"texto", a.sTexto}};
+  if (a.eNivel == ENivel::Falha) j["status"] = Status(a.hr);
+  return j;
+}
+
+struct ArquivoVerificado {
+  std::string sCaminho;
+  EQVTipoConteudo eTipo;
+  std::size_t tamRegistro;
+  QVResultadoVerificacao r;
+};
+
+std::string Resumo(const ArquivoVerificado& a) {
+  if (FAILED(a.r.hr)) return Status(a.r.hr) + " - " + QVDescricaoHResult(a.r.hr);
+  std::string s = std::string("OK (") + (a.r.bPossuiCabecalho ? "com cabeçalho" : "sem cabeçalho") + "; " +
+                  std::to_string(a.r.uiTamanhoDados) + " bytes de dados";
+  const std::uint64_t q = a.r.uiQuantidade;
+  if (a.eTipo == EQVTipoConteudo::Registros || a.eTipo == EQVTipoConteudo::RegistroUnico)
+    s += "; " + std::to_string(q) + (q == 1 ? " registro" : " registros") + " de " + std::to_string(a.tamRegistro) +
+         " bytes";
+  else if (a.eTipo == EQVTipoConteudo::Texto)
+    s += "; " + std::to_string(q) + (q == 1 ? " texto" : " textos");
+  return s + ")";
+}
+
+nlohmann::json ArquivoJson(const ArquivoVerificado& a) {
+  nlohmann::json j = {{"arquivo", a.sCaminho}, {"status", SUCCEEDED(a.r.hr) ? std::string("OK") : Status(a.r.hr)}};
+  if (FAILED(a.r.hr)) {
+    j["descricao"] = QVDescricaoHResult(a.r.hr);
+    return j;
+  }
+  j["possuiCabecalho"] = a.r.bPossuiCabecalho;
+  j["tamanhoDados"] = a.r.uiTamanhoDados;
+  if (a.eTipo != EQVTipoConteudo::Desconhecido) j["quantidade"] = a.r.uiQuantidade;
+  if (a.eTipo == EQVTipoConteudo::Registros || a.eTipo == EQVTipoConteudo::RegistroUnico)
+    j["tamanhoRegistro"] = a.tamRegistro;
+  return j;
+}
+
+std::string Hex(const unsigned char* p, std::size_t n) {
+  static const char kDigitos[] = "0123456789abcdef";
+  std::string s;
+  for (std::size_t i = 0; i < n; ++i) {
+    s.push_back(kDigitos[p[i] >> 4]);
+    s.push_back(kDigitos[p[i] & 0xF]);
+  }
+  return s;
 }
 
 }  // namespace
@@ -214,58 +293,55 @@ int QVComandoDbHeader(const std::string& sArquivo, std::ostream& out, std::ostre
   return 0;
 }
 
-int QVComandoDbVerify(const std::vector<std::string>& caminhos, std::optional<std::size_t> tamRegistro,
+int QVComandoDbVerify(const std::vector<std::string>& caminhos, std::optional<std::size_t> tamRegistro, bool bJson,
                       std::ostream& out, std::ostream& err) {
   std::vector<std::string> arquivos;
-  std::vector<std::pair<std::string, std::vector<std::string>>> diretorios;
+  std::vector<Achado> achados;
+  bool bDiretorio = false;
   for (const std::string& c : caminhos) {
     std::vector<std::string> nomes;
-    if (SUCCEEDED(QVListDirectory(c, &nomes))) {
-      for (const std::string& n : nomes) {
-        const std::size_t ponto = n.find_last_of('.');
-        if (ponto != std::string::npos && strcasecmp(n.c_str() + ponto + 1, "dat") == 0 && !EhArquivoDeMarca(n))
-          arquivos.push_back(c + "/" + n);
-      }
-      diretorios.emplace_back(c, std::move(nomes));
-    } else {
+    if (FAILED(QVListDirectory(c, &nomes))) {
       arquivos.push_back(c);
+      continue;
     }
+    bDiretorio = true;
+    for (const std::string& n : nomes)
+      if (EhDat(n) && !EhArquivoDeMarca(n)) arquivos.push_back(c + "/" + n);
+    VerificaDiretorio(c, nomes, &achados);
   }
-  if (arquivos.empty() && diretorios.empty()) {
+  if (arquivos.empty() && !bDiretorio) {
     err << "nenhum arquivo .dat encontrado\n";
     return 1;
   }
-  int falhas = 0;
-  for (const auto& [dir, nomes] : diretorios) falhas += VerificaDiretorio(dir, nomes, out);
+  std::vector<ArquivoVerificado> verificados;
   for (const std::string& a : arquivos) {
-    EQVTipoConteudo tipo = EQVTipoConteudo::Desconhecido;
-    std::size_t tam = 0;
+    ArquivoVerificado v{a, EQVTipoConteudo::Desconhecido, 0, {}};
     if (tamRegistro) {
-      tipo = EQVTipoConteudo::Registros;
-      tam = *tamRegistro;
+      v.eTipo = EQVTipoConteudo::Registros;
+      v.tamRegistro = *tamRegistro;
     } else if (const QVArquivoGE* conhecido = QVProcuraArquivoGE(Nome(a))) {
-      tipo = conhecido->tipo;
-      tam = conhecido->tamRegistro;
+      v.eTipo = conhecido->tipo;
+      v.tamRegistro = conhecido->tamRegistro;
     }
-    const QVResultadoVerificacao r = QVVerificaArquivo(a, tipo, tam);
-    out << a << ": ";
-    if (FAILED(r.hr)) {
-      ++falhas;
-      out << Status(r.hr) << " - " << QVDescricaoHResult(r.hr) << "\n";
-      continue;
-    }
-    out << "OK (" << (r.bPossuiCabecalho ? "com cabeçalho" : "sem cabeçalho") << "; " << r.uiTamanhoDados
-        << " bytes de dados";
-    if (tipo == EQVTipoConteudo::Registros || tipo == EQVTipoConteudo::RegistroUnico)
-      out << "; " << r.uiQuantidade << (r.uiQuantidade == 1 ? " registro" : " registros") << " de " << tam << " bytes";
-    else if (tipo == EQVTipoConteudo::Texto)
-      out << "; " << r.uiQuantidade << (r.uiQuantidade == 1 ? " texto" : " textos");
-    out << ")\n";
+    v.r = QVVerificaArquivo(a, v.eTipo, v.tamRegistro);
+    verificados.push_back(std::move(v));
+  }
+  const auto falhas =
+      std::count_if(achados.begin(), achados.end(), [](const Achado& a) { return a.eNivel == ENivel::Falha; }) +
+      std::count_if(verificados.begin(), verificados.end(), [](const ArquivoVerificado& v) { return FAILED(v.r.hr); });
+  if (bJson) {
+    nlohmann::json j = {{"achados", nlohmann::json::array()}, {"arquivos", nlohmann::json::array()}, {"falhas", falhas}};
+    for (const Achado& a : achados) j["achados"].push_back(AchadoJson(a));
+    for (const ArquivoVerificado& v : verificados) j["arquivos"].push_back(ArquivoJson(v));
+    out << j.dump(2) << "\n";
+  } else {
+    for (const Achado& a : achados) EscreveAchado(a, out);
+    for (const ArquivoVerificado& v : verificados) out << v.sCaminho << ": " << Resumo(v) << "\n";
   }
   return falhas == 0 ? 0 : 1;
 }
 
-int QVComandoDbDump(const std::string& sArquivo, std::optional<std::size_t> tamRegistro, bool bTexto,
+int QVComandoDbDump(const std::string& sArquivo, std::optional<std::size_t> tamRegistro, bool bTexto, bool bJson,
                     std::ostream& out, std::ostream& err) {
   if (bTexto == tamRegistro.has_value() || (tamRegistro && *tamRegistro == 0)) {
     err << "informe --record-size N (N > 0) ou --text\n";
@@ -293,12 +369,18 @@ int QVComandoDbDump(const std::string& sArquivo, std::optional<std::size_t> tamR
     return 1;
   }
   const QVUInt qtd = arquivo->GetQtdRegistros();
+  nlohmann::json j = nlohmann::json::array();
   if (bTexto) {
     auto* textos = static_cast<CQVTextFile*>(arquivo.get());
     for (QVUInt p = 1; p <= qtd; ++p) {
       std::string t;
-      if (SUCCEEDED(textos->Le(p, &t))) out << p << "\t" << t.size() << "\t" << QVAnsiToUtf8(t) << "\n";
+      if (FAILED(textos->Le(p, &t))) continue;
+      if (bJson)
+        j.push_back({{"posicao", p}, {"tamanho", t.size()}, {"texto", QVAnsiToUtf8(t)}});
+      else
+        out << p << "\t" << t.size() << "\t" << QVAnsiToUtf8(t) << "\n";
     }
+    if (bJson) out << j.dump(2) << "\n";
     return 0;
   }
   auto* registros = static_cast<CQVFileRegistros*>(arquivo.get());
@@ -306,6 +388,10 @@ int QVComandoDbDump(const std::string& sArquivo, std::optional<std::size_t> tamR
   char linha[160];
   for (QVUInt p = 1; p <= qtd; ++p) {
     if (FAILED(registros->LeRegistro(p, r.data()))) continue;
+    if (bJson) {
+      j.push_back({{"posicao", p}, {"bytes", Hex(r.data(), r.size())}});
+      continue;
+    }
     out << "posição " << p << "\n";
     for (std::size_t o = 0; o < r.size(); o += 16) {
       int n = std::snprintf(linha, sizeof linha, "  %04zx ", o);
@@ -317,11 +403,86 @@ int QVComandoDbDump(const std::string& sArquivo, std::optional<std::size_t> tamR
       out << linha << std::string(static_cast<std::size_t>(std::max(0, 56 - n)), ' ') << "  " << ascii << "\n";
     }
   }
+  if (bJson) out << j.dump(2) << "\n";
   return 0;
 }
 
+int QVComandoDbControl(const std::string& sDir, const std::optional<std::string>& sEsquecer, bool bJson,
+                       std::ostream& out, std::ostream& err) {
+  const std::string sControle = sDir + "/" + QVDATABASE_NOME_ARQUIVO_CONTROLE_CRIACAO_ARQUIVOS;
+  std::vector<std::string> nomesDir, listados;
+  HRESULT hr = QVListDirectory(sDir, &nomesDir);
+  if (SUCCEEDED(hr)) hr = LeControle(sDir, &listados);
+  if (FAILED(hr)) {
+    err << sControle << ": " << Status(hr) << " - " << QVDescricaoHResult(hr) << "\n";
+    return 1;
+  }
+
+  if (sEsquecer) {
+    // Names in the control are in the suite's code page; ours are UTF-8.
+    const std::string sNome = QVUtf8ToAnsi(*sEsquecer);
+    const auto it = std::find_if(listados.begin(), listados.end(),
+                                 [&](const std::string& n) { return QVNomesIguais(n, sNome); });
+    if (it == listados.end()) {
+      err << *sEsquecer << ": não está listado em " << sControle << "; nada foi alterado\n";
+      return 1;
+    }
+    const std::string sListado = *it;
+    if (QVFileExists(sDir + "/" + sListado)) {
+      err << *sEsquecer << ": o arquivo existe em " << sDir
+          << "; só se esquece a entrada de um arquivo ausente; nada foi alterado\n";
+      return 1;
+    }
+    CQVTextFile arquivoControle(QVDATABASE_NOME_ARQUIVO_CONTROLE_CRIACAO_ARQUIVOS, 0);
+    arquivoControle.SetDiretorio(sDir);
+    CQVDataBaseControleCriacaoArquivos controle;
+    hr = controle.Inicializa(&arquivoControle);
+    if (SUCCEEDED(hr)) hr = controle.RemoveControleCriacaoArquivos(sListado);
+    if (hr == E_QVCR_ARQUIVO_TRA_ENCONTRADO) {
+      err << *sEsquecer << ": " << Status(hr) << " - " << CQVDataBaseUtil::NomeArquivoTRA(sControle)
+          << " foi deixado por uma regravação interrompida. Com o servidor parado, apague essa cópia e repita "
+             "(o controle em si está intacto); nada foi alterado\n";
+      return 1;
+    }
+    if (FAILED(hr)) {
+      err << *sEsquecer << ": " << Status(hr) << " - " << QVDescricaoHResult(hr) << "\n";
+      return 1;
+    }
+    // The administrator's change goes to the error log, so that the next
+    // one sees what was done (the log has no other kind of row for events).
+    QVEscreveLinhaErroTexto(nullptr, QVNomeQualificado(__PRETTY_FUNCTION__), QVNomeFonte(__FILE__), __LINE__,
+                            "Entrada removida do controle de criação de arquivos por um administrador "
+                            "(zelkorin db control --forget): o arquivo não existe mais",
+                            {{"sNomeArquivo", QVAnsiToUtf8(sListado)}, {"sDiretorio", sDir}});
+    if (bJson)
+      out << nlohmann::json({{"controle", sControle}, {"removido", QVAnsiToUtf8(sListado)}}).dump(2) << "\n";
+    else
+      out << QVAnsiToUtf8(sListado) << ": entrada removida de " << sControle << "\n";
+    return 0;
+  }
+
+  const bool bCopia = QVFileExists(CQVDataBaseUtil::NomeArquivoTRA(sControle));
+  std::vector<std::pair<std::string, bool>> entradas;
+  for (const std::string& n : listados) entradas.emplace_back(QVAnsiToUtf8(n), QVFileExists(sDir + "/" + n));
+  const auto ausentes = std::count_if(entradas.begin(), entradas.end(), [](const auto& e) { return !e.second; });
+  if (bJson) {
+    nlohmann::json j = {{"controle", sControle}, {"arquivos", nlohmann::json::array()}, {"ausentes", ausentes},
+                        {"copiaTra", bCopia}};
+    for (const auto& [nome, bPresente] : entradas) j["arquivos"].push_back({{"nome", nome}, {"presente", bPresente}});
+    out << j.dump(2) << "\n";
+  } else {
+    out << sControle << ": " << entradas.size() << (entradas.size() == 1 ? " arquivo listado, " : " arquivos listados, ")
+        << ausentes << (ausentes == 1 ? " ausente\n" : " ausentes\n");
+    for (const auto& [nome, bPresente] : entradas) out << (bPresente ? "  presente  " : "  AUSENTE   ") << nome << "\n";
+    if (bCopia)
+      out << CQVDataBaseUtil::NomeArquivoTRA(sControle) << ": " << Status(E_QVCR_ARQUIVO_TRA_ENCONTRADO)
+          << " - cópia de uma regravação interrompida; --forget a recusa\n";
+  }
+  return ausentes == 0 && !bCopia ? 0 : 1;
+}
+
 void QVRegistraComandosDb(CLI::App& app, int* pCodigoSaida) {
-  CLI::App* db = app.add_subcommand("db", "Inspeção dos arquivos de dados (nada é alterado)");
+  CLI::App* db = app.add_subcommand("db", "Inspeção dos arquivos de dados (só control --forget altera algo)");
   db->require_subcommand(1);
 
   auto* header = db->add_subcommand("header", "Preâmbulo e cabeçalho de um arquivo, em JSON");
@@ -329,25 +490,50 @@ void QVRegistraComandosDb(CLI::App& app, int* pCodigoSaida) {
   header->add_option("FILE", *arquivoHeader, "Arquivo de dados")->required();
   header->callback([=] { *pCodigoSaida = QVComandoDbHeader(*arquivoHeader, std::cout, std::cerr); });
 
-  auto* verify = db->add_subcommand("verify", "Valida arquivos (ou os .dat de um diretório)");
+  auto* verify = db->add_subcommand("verify", "Valida arquivos (ou os .dat de um diretório e o diretório como banco)");
   auto caminhos = std::make_shared<std::vector<std::string>>();
   auto tamVerify = std::make_shared<std::size_t>(0);
+  auto jsonVerify = std::make_shared<bool>(false);
   verify->add_option("PATH", *caminhos, "Arquivos ou diretórios")->required();
   auto* optVerify = verify->add_option("--record-size", *tamVerify, "Tamanho do registro de todos os arquivos");
+  verify->add_flag("--json", *jsonVerify, "Saída em JSON");
   verify->callback([=] {
     *pCodigoSaida = QVComandoDbVerify(*caminhos, optVerify->count() > 0 ? std::optional(*tamVerify) : std::nullopt,
-                                      std::cout, std::cerr);
+                                      *jsonVerify, std::cout, std::cerr);
   });
 
   auto* dump = db->add_subcommand("dump", "Registros em hexadecimal, ou textos, com suas posições");
   auto arquivoDump = std::make_shared<std::string>();
   auto tamDump = std::make_shared<std::size_t>(0);
   auto texto = std::make_shared<bool>(false);
+  auto jsonDump = std::make_shared<bool>(false);
   dump->add_option("FILE", *arquivoDump, "Arquivo de dados")->required();
   auto* optDump = dump->add_option("--record-size", *tamDump, "Tamanho do registro");
   dump->add_flag("--text", *texto, "Arquivo de textos");
+  dump->add_flag("--json", *jsonDump, "Saída em JSON");
   dump->callback([=] {
     *pCodigoSaida = QVComandoDbDump(*arquivoDump, optDump->count() > 0 ? std::optional(*tamDump) : std::nullopt,
-                                    *texto, std::cout, std::cerr);
+                                    *texto, *jsonDump, std::cout, std::cerr);
+  });
+
+  auto* control = db->add_subcommand(
+      "control", "Controle de criação de arquivos de um diretório: arquivos listados e quais estão ausentes");
+  auto dirControl = std::make_shared<std::string>();
+  auto esquecer = std::make_shared<std::string>();
+  auto raiz = std::make_shared<std::string>();
+  auto jsonControl = std::make_shared<bool>(false);
+  control->add_option("DIR", *dirControl, "Diretório de dados de um módulo de uma empresa")->required();
+  auto* optEsquecer = control->add_option(
+      "--forget", *esquecer, "Remove do controle a entrada de um arquivo ausente (registrado no log de erros)");
+  control->add_option("--root", *raiz,
+                      "Raiz dos dados, cujo log de erros recebe o registro (padrão: $ZELKORIN_ROOT ou "
+                      "~/.local/share/zelkorin)");
+  control->add_flag("--json", *jsonControl, "Saída em JSON");
+  control->callback([=] {
+    // The change is logged where the server of the same data root logs.
+    if (!raiz->empty()) QVDefineRaizDados(*raiz);
+    QVProfilerDefineDiretorioBase(QVRaizDados());
+    *pCodigoSaida = QVComandoDbControl(*dirControl, optEsquecer->count() > 0 ? std::optional(*esquecer) : std::nullopt,
+                                       *jsonControl, std::cout, std::cerr);
   });
 }

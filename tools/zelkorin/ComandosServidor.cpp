@@ -204,7 +204,7 @@ void QVRegistraComandosServidor(CLI::App& app, int* pCodigoSaida) {
   auto* optSocket = status->add_option("--socket", opStatus->conexao.sSocket, "Socket Unix do servidor");
   auto* optConnect = status->add_option("--connect", opStatus->conexao.sEndereco, "HOST:PORTA do servidor (TCP)");
   optSocket->excludes(optConnect);
-  status->add_option("--empresa", opStatus->empresa, "Empresa da sessão");
+  status->add_option("--empresa", opStatus->empresa, "Empresa da sessão")->check(QVRecusaEmpresaParaRegistro);
   status->add_option("--usuario", opStatus->usuario, "Código do usuário");
   status->add_option("--timeout-ms", opStatus->conexao.ulTempoLimiteMs, "Tempo limite de cada chamada");
   status->add_flag("--json", opStatus->json, "Saída em JSON");

@@ -6,8 +6,9 @@
 //       and prints every answer.
 //   zelkorin serve | status ...
 //       runs the server, asks a running one how it is (ComandosServidor.h).
-//   zelkorin db header|verify|dump ...
-//       inspects data files without changing them (ComandosDb.h).
+//   zelkorin db header|verify|dump|control ...
+//       inspects data files; control --forget mends the file-creation
+//       control (ComandosDb.h).
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <filesystem>
@@ -46,7 +47,7 @@ int main(int argc, char** argv) {
       sample->add_option("--root", raiz, "Sem servidor: raiz dos dados neste processo (padrão: $ZELKORIN_ROOT ou ~/.local/share/zelkorin)");
   optSocket->excludes(optConnect);
   optRaiz->excludes(optSocket)->excludes(optConnect);
-  sample->add_option("--empresa", opcoes.empresa, "Empresa da sessão");
+  sample->add_option("--empresa", opcoes.empresa, "Empresa da sessão")->check(QVRecusaEmpresaParaRegistro);
   sample->add_option("--usuario", opcoes.usuario, "Código do usuário");
   sample->add_option("--sessao", opcoes.numeroSessao, "Número da sessão");
 

@@ -324,8 +324,8 @@ TYPED_TEST(FrameTest, VerificacoesDoRegistroDeInicializacaoNaOrdem) {
 
 TYPED_TEST(FrameTest, InicializacaoRecusadaPelaSessaoDeixaOObjetoUtilizavel) {
   Objeto<TypeParam> o;
-  // A company that cannot be a folder has no data directory.
-  EXPECT_EQ(o->Inicializa_Padrao(QVTesteInicializaPS("..")), QVHr(0x80040931u));
+  // A company that cannot be a folder: the session refuses it.
+  EXPECT_EQ(o->Inicializa_Padrao(QVTesteInicializaPS("..")), QVHr(0x80040932u));
   EXPECT_FALSE(o.obs().destruido);
   EXPECT_EQ(o.Negocio(), QVHr(0x81080A04u));
   EXPECT_EQ(LinhasCom("hr = pfInSEHFuncao()\t"), 1u);

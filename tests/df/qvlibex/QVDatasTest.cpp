@@ -2,22 +2,15 @@
 
 #include <gtest/gtest.h>
 
-TEST(QVMesAno, LimitesDaFaixa) {
-  EXPECT_EQ(QVMesAno(1848, 1), 1);
-  EXPECT_EQ(QVMesAno(4717, 12), 34440);
-  EXPECT_EQ(QVMesAno(4718, 1), 0);  // would be 34441
-  EXPECT_EQ(QVMesAno(1847, 12), 0);
-  EXPECT_EQ(QVMesAno(2020, 0), 0);
-  EXPECT_EQ(QVMesAno(2020, 13), 0);
-  EXPECT_EQ(QVMesAno(-5, 1), 0);
-}
-
-TEST(QVMesAno, AnosComDoisDigitos) {
-  EXPECT_EQ(QVMesAno(83, 7), QVMesAno(2083, 7));
-  EXPECT_EQ(QVMesAno(84, 7), QVMesAno(1984, 7));
-  EXPECT_EQ(QVMesAno(0, 1), QVMesAno(2000, 1));
-  EXPECT_EQ(QVMesAno(99, 12), QVMesAno(1999, 12));
-  EXPECT_EQ(QVMesAno(100, 1), 0);  // three digits: a real year, out of range
+TEST(QVMesAno, FaixaEAnosComDoisDigitos) {
+  const struct {
+    int ano, mes;
+    std::uint16_t iMA;
+  } casos[] = {
+      {1848, 1, 1},   {4717, 12, 34440}, {4718, 1, 0},     {1847, 12, 0},  {2020, 0, 0}, {2020, 13, 0}, {-5, 1, 0},
+      {83, 7, 2827},  {84, 7, 1639},     {0, 1, 1825},    {99, 12, 1824}, {100, 1, 0},  // 83 is 2083, 84 is 1984
+  };
+  for (const auto& c : casos) EXPECT_EQ(QVMesAno(c.ano, c.mes), c.iMA) << c.ano << "-" << c.mes;
 }
 
 TEST(QVMesAno, MesesConsecutivosDiferemDeUm) {
@@ -60,23 +53,9 @@ TEST(QVHoraMinuto, CodificacaoEmMinutos) {
 TEST(QVDataHora, IdaEVolta) {
   SYSTEMTIME st{2026, 11, 0, 22, 14, 3, 5, 123};
   const std::int64_t v = QVDataHora(st);
-  const SYSTEMTIME volta = QVDataHoraDecompoe(v);
-  EXPECT_EQ(volta.wYear, 2026);
-  EXPECT_EQ(volta.wMonth, 11);
-  EXPECT_EQ(volta.wDay, 22);
-  EXPECT_EQ(volta.wDayOfWeek, 0);  // a Sunday
-  EXPECT_EQ(volta.wHour, 14);
-  EXPECT_EQ(volta.wMilliseconds, 123);
+  EXPECT_EQ(QVDataHoraDecompoe(v).wDayOfWeek, 0);  // a Sunday
   EXPECT_EQ(QVDataHoraTexto(v), "2026-11-22 14:03:05.123");
   EXPECT_EQ(QVDataHora(SYSTEMTIME{1601, 1, 1, 1, 0, 0, 0, 0}), 0);
   st.wSecond = 6;
   EXPECT_EQ(QVDataHora(st) - v, 10000000);  // one second in 100 ns ticks
-}
-
-TEST(QVDataHora, RelogioFixadoPelosTestes) {
-  const SYSTEMTIME fixo{2020, 7, 0, 1, 10, 0, 0, 0};
-  QVClockFixLocalTime(&fixo);
-  EXPECT_EQ(QVHoje(), QVDia(2020, 7, 1));
-  QVClockFixLocalTime(nullptr);
-  EXPECT_NE(QVHoje(), QVDia(2020, 7, 1));
 }

@@ -9,6 +9,7 @@
 
 #include "df/qvlibex/QVCodigos.h"
 #include "df/qvlibex/QVProfilerLog.h"
+#include "platform/QVLogFile.h"
 #include "tests/support/QVTestSupport.h"
 
 namespace {
@@ -36,20 +37,6 @@ struct CLeitor {
 
 }  // namespace
 
-TEST_F(QVLogTest, CabecalhoByteAByte) {
-  CLeitor leitor;
-  leitor.m_hr = E_QVCR_ARQUIVO_NAO_EXISTE;
-  ASSERT_EQ(leitor.LeVerificando(), E_QVCR_ARQUIVO_NAO_EXISTE);
-  const auto cabecalhos = QVTesteCabecalhosErro();
-  ASSERT_EQ(cabecalhos.size(), 1u);
-  EXPECT_EQ(cabecalhos[0] + "\n",
-            "Data\tHora\tProcesso\tUsuarioLocal\tClasseFuncao\tGuid\tEmpresa\tUsuario\tSessao\tThreadID\tEmpresa\t"
-            "Usuario\tNumeroSessao\tUsuarioDominio\tAplicativo\tModuleName\tArquivoFonte\tLinhaFonte\tWTS\tFiller\t"
-            "Filler\tTipo\tMemoriaDisponivel\tMemoriaTotal\tMemoriaComponente\tVersaoVireo\tVersaoSO\tArquivo\tLinha\t"
-            "Log\tParameter1\tParameter2\tParameter3\tParameter4\tParameter5\tParameter6\tParameter7\tParameter8\t"
-            "Parameter9\n");
-}
-
 TEST_F(QVLogTest, FalhaNaoToleradaEscreveUmaLinhaERetornaOCodigo) {
   CLeitor leitor;
   leitor.m_hr = E_QVCR_ARQUIVO_NAO_EXISTE;
@@ -60,6 +47,15 @@ TEST_F(QVLogTest, FalhaNaoToleradaEscreveUmaLinhaERetornaOCodigo) {
   EXPECT_NE(l.find("\t{anonymous}::CLeitor::LeVerificando\t"), std::string::npos) << l;
   EXPECT_NE(l.find("\tdf/qvlibex/QVLogTest\t"), std::string::npos) << l;
   EXPECT_NE(l.find("\tERRO\t"), std::string::npos);
+  EXPECT_EQ(l.back(), '\t');  // the last cell ends with its tab too
+  const auto cabecalhos = QVTesteCabecalhosErro();
+  ASSERT_EQ(cabecalhos.size(), 1u);
+  EXPECT_EQ(cabecalhos[0] + "\n",
+            "Data\tHora\tProcesso\tUsuarioLocal\tClasseFuncao\tGuid\tEmpresa\tUsuario\tSessao\tThreadID\tEmpresa\t"
+            "Usuario\tNumeroSessao\tUsuarioDominio\tAplicativo\tModuleName\tArquivoFonte\tLinhaFonte\tWTS\tFiller\t"
+            "Filler\tTipo\tMemoriaDisponivel\tMemoriaTotal\tMemoriaComponente\tVersaoVireo\tVersaoSO\tArquivo\tLinha\t"
+            "Log\tParameter1\tParameter2\tParameter3\tParameter4\tParameter5\tParameter6\tParameter7\tParameter8\t"
+            "Parameter9\n");
   EXPECT_NE(l.find("hr = Le(3, nullptr)\thr = 0X810809E3 O arquivo não existe\tSEVERITY = 1 SEVERITY_ERROR\t"
                    "FACILITY = 264 FACILITY_QVCR\tCODE = 2531 ERROR_DESCONHECIDO\t"
                    "Descrição = E_QVCR_ARQUIVO_NAO_EXISTE"),
@@ -127,6 +123,10 @@ TEST_F(QVLogTest, UmArquivoPorMesComCabecalhoUmaVez) {
   QVClockFixLocalTime(&agosto);
   QVLogaFalhaHr(QV_LOCAL, "C()", E_FAIL);
   const std::string dir = QVProfilerDiretorio();
+  // Readable by the owner and the group only.
+  namespace fs = std::filesystem;
+  EXPECT_EQ(fs::status(dir).permissions(), fs::perms(0750));
+  EXPECT_EQ(fs::status(dir + "/QVProfilerErros_Base_202007.log").permissions(), fs::perms(0640));
   const std::string julhoTexto = QVTesteLeArquivo(dir + "/QVProfilerErros_Base_202007.log");
   const std::string agostoTexto = QVTesteLeArquivo(dir + "/QVProfilerErros_Base_202008.log");
   EXPECT_EQ(std::count(julhoTexto.begin(), julhoTexto.end(), '\n'), 3);
@@ -163,8 +163,26 @@ TEST_F(QVLogTest, ProcessosConcorrentesNaoEmbaralhamLinhas) {
   for (const std::string& l : linhas) EXPECT_NE(l.find("Descrição = E_FAIL"), std::string::npos) << l;
 }
 
-TEST_F(QVLogTest, FalhaAoEscreverOLogEIgnorada) {
-  // The log folder's place is taken by a file: nothing can be written.
+TEST_F(QVLogTest, FalhaAoEscreverOLogTemSuaCausaEEIgnorada) {
+  const std::string dir = QVTesteNovoDiretorio("log-falho");
+  std::ofstream(dir + "/arquivo") << "x";
+  std::filesystem::create_directory(dir + "/pasta.log");
+  const struct {
+    std::string caminho;
+    HRESULT hr;
+  } casos[] = {
+      {dir + "/arquivo/x.log", HRESULT_FROM_WIN32(ERROR_PATH_NOT_FOUND)},  // a file in the folder's place
+      {dir + "/arquivo/sub/x.log", HRESULT_FROM_WIN32(ERROR_PATH_NOT_FOUND)},
+      {dir + "/pasta.log", HRESULT_FROM_WIN32(ERROR_ACCESS_DENIED)},  // a folder in the file's place
+      {dir + "/nova/x.log", S_OK},
+  };
+  for (const auto& c : casos) {
+    SCOPED_TRACE(c.caminho);
+    EXPECT_EQ(QVAppendLogRecord(c.caminho, "cabecalho\n", "linha\n"), c.hr);
+  }
+  EXPECT_EQ(QVTesteLeArquivo(dir + "/nova/x.log"), "cabecalho\nlinha\n");
+
+  // The log's folder cannot be made: the step still returns its status.
   std::filesystem::create_directories(std::filesystem::path(QVProfilerDiretorio()).parent_path());
   std::ofstream(QVProfilerDiretorio()) << "x";
   CLeitor leitor;

@@ -20,21 +20,17 @@ TEST(QVMoeda, TextoComSeparadoresEArredondamento) {
 }
 
 TEST(QVMoeda, LeituraDoTexto) {
-  QVMoeda v = 0;
-  ASSERT_TRUE(QVMoedaLe("1.234,5", &v));
-  EXPECT_EQ(v, 12345000);
-  ASSERT_TRUE(QVMoedaLe("-0,0001", &v));
-  EXPECT_EQ(v, -1);
-  ASSERT_TRUE(QVMoedaLe("12", &v));
-  EXPECT_EQ(v, 120000);
-  ASSERT_TRUE(QVMoedaLe("-922.337.203.685.477,5808", &v));
-  EXPECT_EQ(v, std::numeric_limits<std::int64_t>::min());
-  EXPECT_FALSE(QVMoedaLe("922.337.203.685.477,5808", &v));
-  EXPECT_FALSE(QVMoedaLe("1,23456", &v));
-  EXPECT_FALSE(QVMoedaLe("1,2,3", &v));
-  EXPECT_FALSE(QVMoedaLe("abc", &v));
-  EXPECT_FALSE(QVMoedaLe("-", &v));
-  EXPECT_FALSE(QVMoedaLe("", &v));
+  constexpr QVMoeda kRecusado = 7;
+  const std::pair<const char*, QVMoeda> casos[] = {
+      {"1.234,5", 12345000}, {"-0,0001", -1}, {"12", 120000},
+      {"-922.337.203.685.477,5808", std::numeric_limits<std::int64_t>::min()},
+      {"922.337.203.685.477,5808", kRecusado}, {"1,23456", kRecusado}, {"1,2,3", kRecusado},
+      {"abc", kRecusado}, {"-", kRecusado}, {"", kRecusado}};
+  for (const auto& [texto, valor] : casos) {
+    QVMoeda v = kRecusado;
+    EXPECT_EQ(QVMoedaLe(texto, &v), valor != kRecusado) << texto;
+    EXPECT_EQ(v, valor) << texto;  // a refusal leaves v alone
+  }
 }
 
 TEST(QVMoeda, MultiplicacaoExata) {

@@ -4,6 +4,7 @@
 
 #include <cerrno>
 #include <new>
+#include <set>
 #include <stdexcept>
 
 #include "df/qvlibex/QVException.h"
@@ -38,11 +39,24 @@ TEST(QVTranslate, CadaClausulaNaOrdem) {
   EXPECT_EQ(Traduz(new CMemoryException()), QVHr(0x8004EA62u));
   EXPECT_EQ(Traduz(new CInvalidArgException()), QVHr(0x8004EA67u));
   EXPECT_EQ(Traduz(new COutraExcecao()), QVHr(0x8004EA63u));
-  EXPECT_EQ(Traduz(static_cast<long>(QVHr(0x80041234u))), QVHr(0x80041234u));
+  EXPECT_EQ(Traduz(QVHr(0x80041234u)), QVHr(0x80041234u));  // a thrown status
   EXPECT_EQ(Traduz(std::bad_alloc()), QVHr(0x8004EA64u));
   EXPECT_EQ(Traduz(std::runtime_error("x")), QVHr(0x8004EA65u));
-  EXPECT_EQ(Traduz(42), QVHr(0x8004EA66u));  // an int is not a long
   EXPECT_EQ(Traduz(CQVSEH()), QVHr(0x8004EA66u));
+  EXPECT_EQ(Traduz(0x80041234u), QVHr(0x8004EA66u));  // an unsigned int is no status
+}
+
+// A 64-bit long is a status only when the value is one, spelt signed or
+// unsigned; wider values are not cut down to one.
+TEST(QVTranslate, LongDe64Bits) {
+  static_assert(sizeof(long) == 8);
+  EXPECT_EQ(Traduz(static_cast<long>(QVHr(0x80041234u))), QVHr(0x80041234u));
+  EXPECT_EQ(Traduz(0x80041234L), QVHr(0x80041234u));
+  EXPECT_EQ(Traduz(0xFFFFFFFFL), QVHr(0xFFFFFFFFu));
+  EXPECT_EQ(Traduz(-2147483648L), QVHr(0x80000000u));
+  EXPECT_EQ(Traduz(0x100000000L), QVHr(0x8004EA66u));
+  EXPECT_EQ(Traduz(0x180041234L), QVHr(0x8004EA66u));
+  EXPECT_EQ(Traduz(-2147483649L), QVHr(0x8004EA66u));
 }
 
 TEST(QVTranslate, CQVExceptionRelatorio) {
@@ -54,57 +68,36 @@ TEST(QVTranslate, CQVExceptionRelatorio) {
   EXPECT_EQ(daTabela.GetErrorMessage(), QVDescricaoHResult(QVHr(0x80043F9Cu)));
 }
 
+// Every code the filter accepts maps to its own status inside the range
+// that discards the server object; the others do not pass the filter.
 TEST(QVTranslate, TabelaDeExcecoesEstruturadas) {
-  EXPECT_EQ(QVHresultDeSEH(0xC0000005u), QVHr(0x8004EAC5u));
-  EXPECT_EQ(QVHresultDeSEH(0xC0000094u), QVHr(0x8004EAD3u));
-  EXPECT_EQ(QVHresultDeSEH(0xC00000FDu), QVHr(0x8004EADAu));
-  EXPECT_EQ(QVHresultDeSEH(0x80000029u), QVHr(0x8004EADBu));
-  EXPECT_EQ(QVHresultDeSEH(0xE06D7363u), QVHr(0x8004EE47u));
-  EXPECT_TRUE(QVFiltroSEHAceita(0xC0000005u));
-  EXPECT_TRUE(QVFiltroSEHAceita(0x80000004u));
-  EXPECT_FALSE(QVFiltroSEHAceita(0x80000029u));
-  EXPECT_FALSE(QVFiltroSEHAceita(0xE06D7363u));
-  // Every accepted code maps to a distinct status inside the discard range.
-  int aceitos = 0;
+  std::set<HRESULT> statuses;
   for (std::uint32_t c : {0xC0000005u, 0xC000008Cu, 0x80000003u, 0x80000002u, 0xC000008Du, 0xC000008Eu,
                           0xC000008Fu, 0xC0000090u, 0xC0000091u, 0xC0000092u, 0xC0000093u, 0x80000001u,
                           0xC000001Du, 0xC0000006u, 0xC0000094u, 0xC0000095u, 0xC0000026u, 0xC0000008u,
                           0xC0000025u, 0xC0000096u, 0x80000004u, 0xC00000FDu}) {
-    EXPECT_TRUE(QVFiltroSEHAceita(c));
-    EXPECT_TRUE(QVEhCodigoSEH(QVHresultDeSEH(c)));
-    ++aceitos;
+    EXPECT_TRUE(QVFiltroSEHAceita(c)) << std::hex << c;
+    EXPECT_TRUE(QVEhCodigoSEH(QVHresultDeSEH(c))) << std::hex << c;
+    statuses.insert(QVHresultDeSEH(c));
   }
-  EXPECT_EQ(aceitos, 22);
-}
-
-TEST(QVTranslate, FaixaQueDescartaOObjeto) {
-  EXPECT_TRUE(QVEhCodigoSEH(QVHr(0x8004EAC5u)));
-  EXPECT_TRUE(QVEhCodigoSEH(QVHr(0x8004EADBu)));
-  EXPECT_TRUE(QVEhCodigoSEH(QVHr(0x8004EE47u)));
-  EXPECT_FALSE(QVEhCodigoSEH(QVHr(0x8004EAC4u)));
-  EXPECT_FALSE(QVEhCodigoSEH(QVHr(0x8004EADCu)));  // errno range
-  EXPECT_FALSE(QVEhCodigoSEH(S_OK));
-  EXPECT_FALSE(QVEhCodigoSEH(QVHr(0x81080A04u)));
-  EXPECT_FALSE(QVEhCodigoSEH(E_FAIL));
+  EXPECT_EQ(statuses.size(), 22u);
+  EXPECT_EQ(QVHresultDeSEH(0xC00000FDu), QVHr(0x8004EADAu));  // stack overflow
+  EXPECT_EQ(QVHresultDeSEH(0x80000029u), QVHr(0x8004EADBu));  // mapped, never accepted
+  EXPECT_FALSE(QVFiltroSEHAceita(0x80000029u));
+  EXPECT_EQ(QVHresultDeSEH(0xE06D7363u), QVHr(0x8004EE47u));
+  EXPECT_FALSE(QVFiltroSEHAceita(0xE06D7363u));
+  for (std::uint32_t u : {0x8004EAC4u, 0x8004EADCu, 0x81080A04u, 0x80004005u, 0u})
+    EXPECT_FALSE(QVEhCodigoSEH(QVHr(u))) << std::hex << u;
 }
 
 TEST(QVTranslate, TabelaDeErrno) {
-  EXPECT_EQ(QVHresultDeErrno(1), QVHr(0x8004EADCu));
-  EXPECT_EQ(QVHresultDeErrno(14), QVHr(0x8004EAE9u));
-  EXPECT_EQ(QVHresultDeErrno(15), QVHr(0x8004EA60u));
-  EXPECT_EQ(QVHresultDeErrno(16), QVHr(0x8004EAEAu));
-  EXPECT_EQ(QVHresultDeErrno(25), QVHr(0x8004EAF3u));
-  EXPECT_EQ(QVHresultDeErrno(26), QVHr(0x8004EA60u));
-  EXPECT_EQ(QVHresultDeErrno(27), QVHr(0x8004EAF4u));
-  EXPECT_EQ(QVHresultDeErrno(34), QVHr(0x8004EAFBu));
-  EXPECT_EQ(QVHresultDeErrno(35), QVHr(0x8004EA60u));
-  EXPECT_EQ(QVHresultDeErrno(36), QVHr(0x8004EAFCu));
-  EXPECT_EQ(QVHresultDeErrno(37), QVHr(0x8004EA60u));
-  EXPECT_EQ(QVHresultDeErrno(38), QVHr(0x8004EAFDu));
-  EXPECT_EQ(QVHresultDeErrno(42), QVHr(0x8004EB01u));
-  EXPECT_EQ(QVHresultDeErrno(43), QVHr(0x8004EA60u));
-  EXPECT_EQ(QVHresultDeErrno(80), QVHr(0x8004EB02u));
-  EXPECT_EQ(QVHresultDeErrno(81), QVHr(0x8004EA60u));
+  // The edges of every run, and the gaps between them.
+  const std::pair<int, std::uint32_t> casos[] = {
+      {1, 0x8004EADCu},  {14, 0x8004EAE9u}, {15, 0x8004EA60u}, {16, 0x8004EAEAu}, {25, 0x8004EAF3u},
+      {26, 0x8004EA60u}, {27, 0x8004EAF4u}, {34, 0x8004EAFBu}, {35, 0x8004EA60u}, {36, 0x8004EAFCu},
+      {37, 0x8004EA60u}, {38, 0x8004EAFDu}, {42, 0x8004EB01u}, {43, 0x8004EA60u}, {80, 0x8004EB02u},
+      {81, 0x8004EA60u}};
+  for (const auto& [e, status] : casos) EXPECT_EQ(QVHresultDeErrno(e), QVHr(status)) << e;
   // This system's numbering reaches the same statuses by name.
   EXPECT_EQ(QVHresultDeErrno(QVErrnoRuntimeDeErrno(ENOTEMPTY)), QVHr(0x8004EB00u));
   EXPECT_EQ(QVHresultDeErrno(QVErrnoRuntimeDeErrno(EDEADLK)), QVHr(0x8004EAFCu));
@@ -128,11 +121,4 @@ TEST(QVStatus, NomesEDescricoes) {
     EXPECT_TRUE(std::string(c.nome).rfind("E_", 0) == 0 || std::string(c.nome).rfind("ER_", 0) == 0) << c.nome;
     EXPECT_GT(std::string(c.mensagem).size(), 10u) << c.nome;
   }
-}
-
-TEST(HRESULT_FROM_WIN32, Forma) {
-  EXPECT_EQ(HRESULT_FROM_WIN32(2), QVHr(0x80070002u));
-  EXPECT_EQ(HRESULT_FROM_WIN32(0x12345), QVHr(0x80072345u));  // low 16 bits only
-  EXPECT_EQ(HRESULT_FROM_WIN32(0), 0);
-  EXPECT_EQ(HRESULT_FROM_WIN32(-7), -7);
 }
