@@ -174,6 +174,7 @@ struct Atendimento {
   static constexpr const IID& kIid = IID_IQVGE_Atendimento;
   static constexpr const IID& kOutraIid = IID_IQVGE_Projeto;
   static constexpr const char* kMetodo = "CQVGE_Atendimento::LeAtendimento";
+  static constexpr const char* kFrame = "T_QVUnknown<struct IQVGE_Atendimento,class CGeServidorAtendimento>";
   static HRESULT Negocio(Interface* o) {
     _REG_ATENDIMENTO_PS reg{};
     const HRESULT hr = o->LeAtendimento(1, 1, &reg);
@@ -188,6 +189,7 @@ struct Projeto {
   static constexpr const IID& kIid = IID_IQVGE_Projeto;
   static constexpr const IID& kOutraIid = IID_IQVGE_Atendimento;
   static constexpr const char* kMetodo = "CQVGE_Projeto::LeRegistro";
+  static constexpr const char* kFrame = "T_QVUnknown<struct IQVGE_Projeto,class CGeProjetoBase>";
   static HRESULT Negocio(Interface* o) {
     _REG_PROJETO_ATENDIMENTO_PS reg{};
     const HRESULT hr = o->LeRegistro(1, &reg);
@@ -315,6 +317,8 @@ TYPED_TEST(FrameTest, VerificacoesDoRegistroDeInicializacaoNaOrdem) {
     EXPECT_EQ(o->Inicializa_Padrao(comCrc(reg)), QVHr(0x81080C19u));
   }
   EXPECT_EQ(LinhasCom("hr = E_QVCR_ESTRUTURA_INICIALIZACAO_INVALIDA\t"), 5u);
+  // All under the frame's one spelling of the routine's name.
+  EXPECT_EQ(LinhasCom(std::string("\t") + TypeParam::Classe::kFrame + "::Inicializa_Padrao\t"), 7u);
 
   // None of these reached the server.
   EXPECT_EQ(o.Negocio(), QVHr(0x81080A04u));
@@ -437,6 +441,10 @@ TYPED_TEST(FrameTest, AcessoDefaultSoDuranteAChamada) {
 TYPED_TEST(FrameTest, FalhaNaConstrucaoDoServidor) {
   Objeto<TypeParam> o(EAcao::FalhaConstrucao);
   ASSERT_TRUE(o.p);  // the object exists, without a server
+  // One line, under the frame's name (the exception's translation is not
+  // logged apart).
+  ASSERT_EQ(QVTesteLinhasErro().size(), 1u);
+  EXPECT_EQ(LinhasCom(std::string("\t") + TypeParam::Classe::kFrame + "::T_QVUnknown\t"), 1u);
   EXPECT_EQ(LinhasCom("hr = m_hrConstruct\t"), 1u);
   EXPECT_EQ(o.Negocio(), QVHr(0x81080A04u));
   EXPECT_EQ(o.Inicializa(), QVHr(0x81080AA8u));
@@ -506,15 +514,13 @@ TEST(QVFrame, MenorDuracaoComecaNoMaiorValor) {
   EXPECT_EQ(c.ulMenorMs, 3u);
 }
 
-TEST(QVFrame, QueryInterfaceDasDuasClasses) {
-  auto* a = new CQVGE_Atendimento();
-  void* p = nullptr;
-  EXPECT_EQ(a->QueryInterface(IID_IQVGE_Atendimento, &p), S_OK);
-  EXPECT_EQ(p, static_cast<IQVGE_Atendimento*>(a));
-  EXPECT_EQ(a->QueryInterface(IID_IQVUnknown, &p), S_OK);
-  EXPECT_EQ(a->QueryInterface(IID_IQVGE_Projeto, &p), E_NOINTERFACE);
-  EXPECT_EQ(p, nullptr);
-  EXPECT_EQ(a->Release(), 2u);
-  EXPECT_EQ(a->Release(), 1u);
-  EXPECT_EQ(a->Release(), 0u);
+TEST(QVFrame, SemServidorAsEstatisticasFicamSobAEmpresaVazia) {
+  auto* o = new CQVGE_Atendimento([]() -> std::unique_ptr<CGeServidorAtendimento> { return nullptr; });
+  EXPECT_EQ(o->GetHrConstruct(), E_OUTOFMEMORY);
+  // The record names a company, but no server says which it serves.
+  EXPECT_EQ(o->Inicializa_Padrao(QVTesteInicializaPS()), QVHr(0x81080AA8u));
+  const QVMapaEstatisticas& estatisticas = o->GetEstatisticas();
+  ASSERT_EQ(estatisticas.size(), 1u);
+  EXPECT_EQ(estatisticas.begin()->first, "");
+  o->Release();
 }
