@@ -109,20 +109,6 @@ void QVLiberaValor(T* p) {
   }
 }
 
-// The type parameter P has in the method's signature.
-template <class P>
-using QVDeclarado = std::conditional_t<P::kDirecao == EQVDirecao::Ent, typename P::Tipo, typename P::Tipo*>;
-
-// The argument a method takes for parameter P, from the value the caller
-// holds: the value itself when it is in, its address otherwise.
-template <class P>
-decltype(auto) QVArgumento(typename P::Tipo& valor) {
-  if constexpr (P::kDirecao == EQVDirecao::Ent)
-    return (valor);
-  else
-    return &valor;
-}
-
 // ---- walking the tables ----
 
 namespace qv_metodos_detalhe {
@@ -230,11 +216,19 @@ class CQVValoresChamada {
   template <class I>
   HRESULT Chama(I* objeto) {
     return [&]<class... P, std::size_t... k>(std::tuple<P...>*, std::index_sequence<k...>) {
-      return (objeto->*M::kMembro)(QVArgumento<P>(std::get<k>(m_Valores))...);
+      return (objeto->*M::kMembro)(Argumento<P>(std::get<k>(m_Valores))...);
     }(static_cast<typename M::Parametros*>(nullptr), std::make_index_sequence<std::tuple_size_v<Valores>>());
   }
 
  private:
+  template <class P>
+  static decltype(auto) Argumento(typename P::Tipo& valor) {
+    if constexpr (P::kDirecao == EQVDirecao::Ent)
+      return (valor);
+    else
+      return &valor;
+  }
+
   Valores m_Valores;
 };
 

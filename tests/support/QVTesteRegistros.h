@@ -32,15 +32,6 @@ T Zerado() {
 
 inline void Texto(_REG_DF_TEXTOPS& t, std::string_view s) { ASSERT_EQ(QVTextoPsDefine(&t, s), S_OK); }
 
-// A call with services (sessions, classifications with management shares,
-// withholdings with INSS deductions, EFD-REINF processes), an expense,
-// representatives, classifications, calendar events with their texts,
-// follow-up references and system strings.
-_REG_ATENDIMENTO_PS AtendimentoCompleto();
-// A filter with month and position lists and info-plus texts in two of its
-// 20 slots.
-_REG_FILTRO_ATENDIMENTO_PS FiltroComListas();
-
 // A record of any kind with everything its descriptor lists present: fixed
 // bytes (fillers and all) from a pattern of the seed, one to three elements
 // in each array (two levels of nested records), texts with their

@@ -58,9 +58,9 @@ class TQVProxy : public TQVObjetoCom<I> {
     n = 0;
     QVParaCadaParametro<M>([&]<std::size_t k, class P>() {
       if constexpr (P::kSai)
-        if (SUCCEEDED(hrLe)) hrLe = QVLeValor(saidas[n++], &recebidos.template Valor<k>(), Limites());
+        if (SUCCEEDED(hrLe)) hrLe = QVLeParametro<M, k>(saidas[n++], &recebidos.template Valor<k>(), Limites());
     });
-    QV_CHECK(hrLe);
+    if (FAILED(hrLe)) return hrLe;
     QVParaCadaParametro<M>([&]<std::size_t k, class P>() {
       if constexpr (P::kSai) {
         auto* destino = std::get<k>(argumentos);

@@ -22,6 +22,7 @@
 
 #include "core/QVRPCDLL/QVMarshaller.h"
 #include "core/QVRPCDLL/QVMetodos.h"
+#include "df/qvlibex/QVLog.h"
 #include "ge/zelkorin/transport/ZelkorinRpc.capnp.h"
 #include "platform/QVBstr.h"
 #include "platform/QVTaskMem.h"
@@ -100,4 +101,15 @@ template <class T>
     *p = registro;
     return S_OK;
   }
+}
+
+// Parameter k of method M as the other side sent it, logged with the
+// method's and the parameter's names when it is refused.
+template <class M, std::size_t k, class T>
+[[nodiscard]] HRESULT QVLeParametro(zk::Valor::Reader v, T* p, const QVLimitesMarshal& limites) {
+  const HRESULT hr = QVLeValor(v, p, limites);
+  if (FAILED(hr))
+    QVLogaFalhaHr(QV_LOCAL, "QVLeValor(v, p, limites)", hr,
+                  {{"metodo", std::string(M::kNome)}, {"parametro", std::string(M::kNomesParametros[k])}});
+  return hr;
 }

@@ -62,7 +62,7 @@ class TQVStub final : public zk::Objeto::Server {
     // In the method's order, up to the first that does not read.
     QVParaCadaParametro<M>([&]<std::size_t k, class P>() {
       if constexpr (P::kEntra)
-        if (SUCCEEDED(hr)) hr = LeEntrada<M, k>(entradas[n++], &valores.template Valor<k>());
+        if (SUCCEEDED(hr)) hr = QVLeParametro<M, k>(entradas[n++], &valores.template Valor<k>(), g_limites);
     });
     if (FAILED(hr)) return hr;
 
@@ -73,17 +73,6 @@ class TQVStub final : public zk::Objeto::Server {
     QVParaCadaParametro<M>([&]<std::size_t k, class P>() {
       if constexpr (P::kSai) QVEscreveValor(valores.template Valor<k>(), saidas[n++]);
     });
-    return hr;
-  }
-
-  // In parameter k of method M, logged with the method's and the
-  // parameter's names when it is refused.
-  template <class M, std::size_t k, class T>
-  static HRESULT LeEntrada(zk::Valor::Reader v, T* p) {
-    const HRESULT hr = QVLeValor(v, p, g_limites);
-    if (FAILED(hr))
-      QVLogaFalhaHr(QV_LOCAL, "QVLeValor(v, p, g_limites)", hr,
-                    {{"metodo", std::string(M::kNome)}, {"parametro", std::string(M::kNomesParametros[k])}});
     return hr;
   }
 

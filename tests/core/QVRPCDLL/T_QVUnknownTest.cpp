@@ -271,6 +271,12 @@ TYPED_TEST(FrameTest, ObjetoNovoNaoExecutaNegocioNemRegistraNada) {
   EXPECT_EQ(std::memcmp(&erro, &zero, sizeof erro), 0);
   EXPECT_TRUE(o.Estatisticas().is_null());  // a business call too
   EXPECT_TRUE(QVTesteLinhasErro().empty());
+  // It is what it was made as, and nothing else.
+  CQVComPtr<IQVUnknown> base;
+  EXPECT_EQ(o->QueryInterface(IID_IQVUnknown, base.ppv()), S_OK);
+  void* outra = reinterpret_cast<void*>(1);
+  EXPECT_EQ(o->QueryInterface(TypeParam::Classe::kOutraIid, &outra), E_NOINTERFACE);
+  EXPECT_EQ(outra, nullptr);
 }
 
 TYPED_TEST(FrameTest, KeepAliveAntesEDepoisDaInicializacao) {
@@ -339,89 +345,68 @@ TYPED_TEST(FrameTest, InicializacaoRecusadaPelaSessaoDeixaOObjetoUtilizavel) {
   EXPECT_EQ(o.Negocio(), S_OK);
 }
 
-TYPED_TEST(FrameTest, CodigoDeDescarteDestroiOServidor) {
-  Objeto<TypeParam> o(EAcao::Codigo, QVHr(0x8004EAC5u));
-  ASSERT_EQ(o.Inicializa(), S_OK);
-  EXPECT_EQ(o.Negocio(), QVHr(0x8004EAC5u));
-  EXPECT_TRUE(o.obs().destruido);
-  EXPECT_EQ(o.Negocio(), QVHr(0x81080A04u));
-  EXPECT_EQ(o.obs().chamadas, 1);
-  EXPECT_EQ(o.Inicializa(), QVHr(0x81080AA8u));
-  _REG_DF_ERROPS erro;
-  EXPECT_EQ(o->GetUltimoErro(&erro), S_OK);
-  EXPECT_EQ(erro.hr, 0);  // no server, no error to copy
-}
-
-TYPED_TEST(FrameTest, FalhaComumNaoDescartaEPreencheOUltimoErro) {
-  Objeto<TypeParam> o(EAcao::Codigo, E_QVCR_ARQUIVO_NAO_EXISTE);
-  ASSERT_EQ(o.Inicializa(), S_OK);
-  EXPECT_EQ(o.Negocio(), E_QVCR_ARQUIVO_NAO_EXISTE);
-  EXPECT_EQ(o.Negocio(), E_QVCR_ARQUIVO_NAO_EXISTE);
-  EXPECT_FALSE(o.obs().destruido);
-  _REG_DF_ERROPS erro;
-  ASSERT_EQ(o->GetUltimoErro(&erro), S_OK);
-  EXPECT_EQ(erro.hr, E_QVCR_ARQUIVO_NAO_EXISTE);
-  EXPECT_EQ(erro.usNumeroServidor, 9);
-  EXPECT_STREQ(erro.szEmpresa, "EMPRESA_TESTE");
-  EXPECT_GT(std::strlen(erro.cMensagem), 0u);
-  EXPECT_EQ(LinhasCom(std::string("\t") + TypeParam::Classe::kMetodo + "\t"), 2u);
-  EXPECT_EQ(LinhasCom("\tcore/QVRPCDLL/T_QVUnknown\t"), 2u);
-  EXPECT_EQ(LinhasCom("hr = pfInSEHFuncao()\thr = 0X810809E3"), 2u);
-}
-
-TYPED_TEST(FrameTest, ExcecaoEhTraduzidaContadaENaoDescarta) {
-  Objeto<TypeParam> o(EAcao::Lanca);
-  ASSERT_EQ(o.Inicializa(), S_OK);
-  EXPECT_EQ(o.Negocio(), QVHr(0x80040005u));
-  EXPECT_FALSE(o.obs().destruido);
-  EXPECT_EQ(LinhasCom("hr = QVTranslateThrownExceptionToHresult()\t"), 1u);
-  std::string classe, metodo;
-  QVSeparaNomeMetodo(TypeParam::Classe::kMetodo, &classe, &metodo);
-  const nlohmann::json celulas = CelulasDoDia(o.Estatisticas())[classe][metodo];
-  ASSERT_EQ(celulas.size(), 1u);
-  // The object's code (the module it serves) names the cell.
-  EXPECT_EQ(celulas["9"]["chamadas"], 1);
-  // The server is still there.
-  EXPECT_EQ(o.Negocio(), QVHr(0x80040005u));
-  EXPECT_EQ(o.obs().chamadas, 2);
-}
-
-TYPED_TEST(FrameTest, ExcecaoComCodigoDeDescarteNaoDescarta) {
-  // Only a normal return with a structured-exception status discards.
-  Objeto<TypeParam> o(EAcao::LancaDescarte);
-  ASSERT_EQ(o.Inicializa(), S_OK);
-  EXPECT_EQ(o.Negocio(), QVHr(0x8004EAC5u));
-  EXPECT_FALSE(o.obs().destruido);
-}
-
-TYPED_TEST(FrameTest, EscritaInvalidaViraCodigoEOProcessoContinua) {
-  Objeto<TypeParam> o(EAcao::EscritaInvalida);
-  ASSERT_EQ(o.Inicializa(), S_OK);
-  EXPECT_EQ(o.Negocio(), QVHr(0x8004EAC5u));
-  EXPECT_TRUE(o.obs().destruido);
-  EXPECT_EQ(o.obs().codigoSEH, 0xC0000005u);
-  EXPECT_TRUE(o.obs().temPilhaSEH);
-  EXPECT_EQ(o.Negocio(), QVHr(0x81080A04u));
-  EXPECT_EQ(LinhasCom("hr = pfInSEHFuncao()\thr = 0X8004EAC5"), 1u);
-}
-
-TYPED_TEST(FrameTest, EstouroDePilhaViraCodigoEOProcessoContinua) {
-  Objeto<TypeParam> o(EAcao::Recursao);
-  ASSERT_EQ(o.Inicializa(), S_OK);
-  EXPECT_EQ(o.Negocio(), QVHr(0x8004EADAu));
-  EXPECT_TRUE(o.obs().destruido);
-  EXPECT_EQ(o.obs().codigoSEH, 0xC00000FDu);
-  // The thread's stack is whole again: a second object works normally.
-  Objeto<TypeParam> outro;
-  ASSERT_EQ(outro.Inicializa(), S_OK);
-  EXPECT_EQ(outro.Negocio(), S_OK);
-}
-
-TYPED_TEST(FrameTest, ParametroInvalidoViraExcecaoComONomeDoMetodo) {
-  Objeto<TypeParam> o(EAcao::ParametroInvalido);
-  ASSERT_EQ(o.Inicializa(), S_OK);
-  EXPECT_EQ(o.Negocio(), E_INVALIDARG);
-  EXPECT_FALSE(o.obs().destruido);
+TYPED_TEST(FrameTest, FalhasDoServidorLogadasContadasEDescarteSoAposFalhaDeProcessador) {
+  const struct {
+    const char* caso;
+    EAcao acao;
+    HRESULT hr;  // the one the server returns, for EAcao::Codigo
+    HRESULT esperado;
+    bool descarta;
+    std::uint32_t codigoSEH;  // the processor's, when there was a fault
+    const char* linha;
+  } kCasos[] = {
+      {"código de descarte", EAcao::Codigo, QVHr(0x8004EAC5u), QVHr(0x8004EAC5u), true, 0,
+       "hr = pfInSEHFuncao()\thr = 0X8004EAC5"},
+      {"falha comum", EAcao::Codigo, E_QVCR_ARQUIVO_NAO_EXISTE, E_QVCR_ARQUIVO_NAO_EXISTE, false, 0,
+       "hr = pfInSEHFuncao()\thr = 0X810809E3"},
+      {"exceção", EAcao::Lanca, S_OK, QVHr(0x80040005u), false, 0, "hr = QVTranslateThrownExceptionToHresult()\t"},
+      // Only a normal return with a structured-exception status discards.
+      {"exceção com código de descarte", EAcao::LancaDescarte, S_OK, QVHr(0x8004EAC5u), false, 0,
+       "hr = QVTranslateThrownExceptionToHresult()\t"},
+      {"escrita inválida", EAcao::EscritaInvalida, S_OK, QVHr(0x8004EAC5u), true, 0xC0000005u,
+       "hr = pfInSEHFuncao()\thr = 0X8004EAC5"},
+      // (The next cases show that the thread's stack is whole again.)
+      {"estouro de pilha", EAcao::Recursao, S_OK, QVHr(0x8004EADAu), true, 0xC00000FDu,
+       "hr = pfInSEHFuncao()\thr = 0X8004EADA"},
+      {"parâmetro inválido", EAcao::ParametroInvalido, S_OK, E_INVALIDARG, false, 0,
+       "hr = QVTranslateThrownExceptionToHresult()\t"},
+  };
+  for (const auto& c : kCasos) {
+    SCOPED_TRACE(c.caso);
+    QVTesteLimpaLog();
+    Objeto<TypeParam> o(c.acao, c.hr);
+    ASSERT_EQ(o.Inicializa(), S_OK);
+    EXPECT_EQ(o.Negocio(), c.esperado);
+    EXPECT_EQ(o.obs().destruido, c.descarta);
+    EXPECT_EQ(LinhasCom(std::string("\t") + TypeParam::Classe::kMetodo + "\t"), 1u);
+    EXPECT_EQ(LinhasCom("\tcore/QVRPCDLL/T_QVUnknown\t"), 1u);
+    EXPECT_EQ(LinhasCom(c.linha), 1u);
+    if (c.codigoSEH != 0) {
+      EXPECT_EQ(o.obs().codigoSEH, c.codigoSEH);
+      EXPECT_TRUE(o.obs().temPilhaSEH);
+    }
+    _REG_DF_ERROPS erro;
+    if (c.descarta) {
+      EXPECT_EQ(o.Negocio(), QVHr(0x81080A04u));
+      EXPECT_EQ(o.Inicializa(), QVHr(0x81080AA8u));
+      ASSERT_EQ(o->GetUltimoErro(&erro), S_OK);
+      EXPECT_EQ(erro.hr, 0);  // no server, no error to copy
+      EXPECT_EQ(o.obs().chamadas, 1);
+      continue;
+    }
+    // The call counted, the server is still there, and the last error
+    // explains the failure.
+    std::string classe, metodo;
+    QVSeparaNomeMetodo(TypeParam::Classe::kMetodo, &classe, &metodo);
+    EXPECT_EQ(CelulasDoDia(o.Estatisticas())[classe][metodo]["9"]["chamadas"], 1);
+    EXPECT_EQ(o.Negocio(), c.esperado);
+    EXPECT_EQ(o.obs().chamadas, 2);
+    ASSERT_EQ(o->GetUltimoErro(&erro), S_OK);
+    EXPECT_EQ(erro.hr, c.esperado);
+    EXPECT_EQ(erro.usNumeroServidor, 9);
+    EXPECT_STREQ(erro.szEmpresa, "EMPRESA_TESTE");
+    EXPECT_GT(std::strlen(erro.cMensagem), 0u);
+  }
 }
 
 TYPED_TEST(FrameTest, AcessoDefaultSoDuranteAChamada) {
@@ -478,17 +463,6 @@ TYPED_TEST(FrameTest, EstatisticasPelaFuncaoGenerica) {
   // Other numbers go to the server's generic function.
   EXPECT_EQ(o->FuncaoGenerica(1, entrada, &saida), E_NOTIMPL);
   EXPECT_EQ(saida, nullptr);
-}
-
-TYPED_TEST(FrameTest, QueryInterfaceDaInterfaceDeNegocio) {
-  Objeto<TypeParam> o;
-  CQVComPtr<IQVUnknown> base;
-  ASSERT_EQ(o->QueryInterface(IID_IQVUnknown, base.ppv()), S_OK);
-  std::int32_t ok = 0;
-  EXPECT_EQ(base->KeepAlive(&ok), S_OK);
-  void* outra = reinterpret_cast<void*>(1);
-  EXPECT_EQ(o->QueryInterface(TypeParam::Classe::kOutraIid, &outra), E_NOINTERFACE);
-  EXPECT_EQ(outra, nullptr);
 }
 
 TEST(QVFrame, NomesDosMetodosNasEstatisticas) {
