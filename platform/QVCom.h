@@ -54,6 +54,45 @@ constexpr HRESULT CO_E_OBJISREG = QVHr(0x800401FBu);
 [[nodiscard]] HRESULT CoCreateInstance(REFCLSID rclsid, IUnknown* pUnkOuter,
                                        std::uint32_t dwClsContext, REFIID riid, void** ppv);
 
+// QueryInterface, AddRef and Release of a reference-counted object that
+// implements the interface I: it answers IID_IUnknown and the identifiers it
+// was made with (I's own and its base interface's) with I's pointer and one
+// reference added. It starts with one reference, its creator's, and deletes
+// itself when the last goes. The count is atomic: references may be taken
+// and dropped from any thread.
+template <class I>
+class TQVObjetoCom : public I {
+ public:
+  TQVObjetoCom(const TQVObjetoCom&) = delete;
+  TQVObjetoCom& operator=(const TQVObjetoCom&) = delete;
+
+  HRESULT QueryInterface(REFIID riid, void** ppv) override {
+    if (ppv == nullptr) return E_POINTER;
+    if (riid == IID_IUnknown || riid == m_Iid || riid == m_IidBase) {
+      *ppv = static_cast<I*>(this);
+      AddRef();
+      return S_OK;
+    }
+    *ppv = nullptr;
+    return E_NOINTERFACE;
+  }
+  std::uint32_t AddRef() override { return ++m_cReferencias; }
+  std::uint32_t Release() override {
+    const std::uint32_t n = --m_cReferencias;
+    if (n == 0) delete this;
+    return n;
+  }
+
+ protected:
+  explicit TQVObjetoCom(REFIID iid, REFIID iidBase = IID_IUnknown) : m_Iid(iid), m_IidBase(iidBase) {}
+  virtual ~TQVObjetoCom() = default;
+
+ private:
+  const IID m_Iid;
+  const IID m_IidBase;
+  std::atomic<std::uint32_t> m_cReferencias{1};
+};
+
 // A class object that lives as long as the process (its references are not
 // counted): CreateInstance makes an object with `cria`, which answers it
 // holding one reference (null when out of memory), and hands out riid from

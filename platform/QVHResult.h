@@ -102,6 +102,8 @@ constexpr std::uint32_t ERROR_ALREADY_EXISTS = 183;
 constexpr std::uint32_t ERROR_FILENAME_EXCED_RANGE = 206;
 constexpr std::uint32_t ERROR_DIRECTORY = 267;
 constexpr std::uint32_t ERROR_FILE_READ_ONLY = 6009;
-// The transport's: no server answers at the address; the address is taken.
+// The transport's: no server answers at the address; a method number the
+// object does not have; the address is taken.
 constexpr std::uint32_t RPC_S_SERVER_UNAVAILABLE = 1722;
+constexpr std::uint32_t RPC_S_PROCNUM_OUT_OF_RANGE = 1745;
 constexpr std::uint32_t WSAEADDRINUSE = 10048;

@@ -108,6 +108,7 @@ constexpr QVPlatformError kErrors[] = {
     {1460, "ERROR_TIMEOUT", "Tempo de espera esgotado"},
     {1722, "RPC_S_SERVER_UNAVAILABLE", "O servidor de chamadas remotas não está disponível"},
     {1726, "RPC_S_CALL_FAILED", "A chamada remota falhou"},
+    {1745, "RPC_S_PROCNUM_OUT_OF_RANGE", "O número do procedimento está fora do intervalo"},
     {1783, "RPC_X_BAD_STUB_DATA", "Dados inválidos na chamada remota"},
     {6009, "ERROR_FILE_READ_ONLY", "O arquivo é somente leitura"},
     {10048, "WSAEADDRINUSE", "O endereço já está em uso"},

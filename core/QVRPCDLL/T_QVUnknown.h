@@ -12,8 +12,9 @@
 //   destroyed inside the guard and finalises its data).
 //
 //  1. Created (constructor): the server object is made inside the guard;
-//     m_hrConstruct keeps the outcome. Business calls answer 0x81080A04;
-//     KeepAlive and GetUltimoErro work.
+//     m_hrConstruct keeps the outcome, and a failure is one error line,
+//     "m_hrConstruct". Business calls answer 0x81080A04; KeepAlive and
+//     GetUltimoErro work.
 //  2. Initialised (Inicializa_Padrao): the record's version, CRC-64 and
 //     required fields are checked in that order, the record is copied, and
 //     the server's session base connects and opens the company's data.
@@ -27,11 +28,16 @@
 //     status (0x8004EAC5..0x8004EADB, 0x8004EE47) destroys the server;
 //     what it held may be corrupt. The client must make a new object.
 //
+// The business methods themselves are the interface's method table expanded
+// with QV_REPASSA_AO_SERVIDOR in the class that instantiates the frame.
+//
 // Invariants: no exception leaves a method of this class; the frame takes no
-// lock of its own (calls on one object are serialised by the host).
+// lock of its own (calls on one object are serialised by the host); every
+// line the frame writes for its own routines (construction, destruction,
+// initialisation, generic function) names them with one spelling,
+// "<template name>::<routine>", in the log, the trace and the statistics.
 #pragma once
 
-#include <atomic>
 #include <cstdint>
 #include <cstring>
 #include <functional>
@@ -51,72 +57,55 @@
 #include "suite/analytics/QVEstatisticasUso.h"
 #include "suite/hostlink/CQVBaseParaRotinas.h"
 
+// One business method of the table, in the class that instantiates the
+// frame: the standard frame around the server's method of the same name,
+// under the name "Classe::Metodo" ("CQVGE_Atendimento::LeAtendimento").
+#define QV_REPASSA_AO_SERVIDOR(Classe, slot, nome, ...)                                          \
+  HRESULT nome(QV_PP_MAPA(QV_PARAMETRO_DECLARADO, __VA_ARGS__)) override {                       \
+    return ChamaNegocio(#Classe "::" #nome, [&](auto& servidor) -> HRESULT {                      \
+      return servidor.nome(QV_PP_MAPA(QV_PARAMETRO_ARGUMENTO, __VA_ARGS__));                     \
+    });                                                                                           \
+  }
+
 template <class I, class S>
-class T_QVUnknown : public I {
+class T_QVUnknown : public TQVObjetoCom<I> {
  public:
-  // What names the frame in the log, the trace and the statistics.
-  struct Identidade {
-    IID iid;  // the business interface
-    // "T_QVUnknown<struct IQVGE_Atendimento,class CGeServidorAtendimento>": the
-    // name of the initialisation and generic-function routines; business
-    // methods carry their own ("CQVGE_Atendimento::LeAtendimento").
-    const char* nomeTemplate;
-  };
   using FabricaServidor = std::function<std::unique_ptr<S>()>;
 
-  explicit T_QVUnknown(const Identidade& id, FabricaServidor fabrica = {})
-      : m_Id(id),
-        m_sNomeInicializa(std::string(id.nomeTemplate) + "::Inicializa_Padrao"),
-        m_sNomeFuncaoGenerica(std::string(id.nomeTemplate) + "::FuncaoGenerica"),
+  // nomeTemplate: "T_QVUnknown<struct IQVGE_Atendimento,class
+  // CGeServidorAtendimento>", the name of the frame's own routines.
+  explicit T_QVUnknown(const char* nomeTemplate, FabricaServidor fabrica = {})
+      : TQVObjetoCom<I>(QVInterface<I>::kIid, IID_IQVUnknown),
+        m_sNomeTemplate(nomeTemplate),
+        m_sNomeInicializa(m_sNomeTemplate + "::Inicializa_Padrao"),
+        m_sNomeFuncaoGenerica(m_sNomeTemplate + "::FuncaoGenerica"),
         m_Perfil(this) {
     std::memset(&m_regInicializacao, 0, sizeof m_regInicializacao);
     QVContaObjeto(+1);
-    m_hrConstruct = Guardado(std::string(m_Id.nomeTemplate) + "::T_QVUnknown", [&]() -> HRESULT {
+    m_hrConstruct = Guardado([&]() -> HRESULT {
       m_pServidor = fabrica ? fabrica() : std::make_unique<S>();
       return m_pServidor ? S_OK : E_OUTOFMEMORY;
     });
     if (FAILED(m_hrConstruct))
-      QVLogaFalhaHrEm(std::string(m_Id.nomeTemplate) + "::T_QVUnknown", kFonte, __LINE__, "m_hrConstruct",
-                      m_hrConstruct);
+      QVLogaFalhaHrEm(m_sNomeTemplate + "::T_QVUnknown", kFonte, __LINE__, "m_hrConstruct", m_hrConstruct);
   }
 
-  virtual ~T_QVUnknown() {
-    DestroiServidor(std::string(m_Id.nomeTemplate) + "::~T_QVUnknown");
+  ~T_QVUnknown() override {
+    DestroiServidor(m_sNomeTemplate + "::~T_QVUnknown");
     QVContaObjeto(-1);
-  }
-
-  T_QVUnknown(const T_QVUnknown&) = delete;
-  T_QVUnknown& operator=(const T_QVUnknown&) = delete;
-
-  // ---- IUnknown ----
-
-  HRESULT QueryInterface(REFIID riid, void** ppv) override {
-    if (ppv == nullptr) return E_POINTER;
-    if (riid == IID_IUnknown || riid == IID_IQVUnknown || riid == m_Id.iid) {
-      *ppv = static_cast<I*>(this);
-      AddRef();
-      return S_OK;
-    }
-    *ppv = nullptr;
-    return E_NOINTERFACE;
-  }
-
-  std::uint32_t AddRef() override { return ++m_cReferencias; }
-
-  std::uint32_t Release() override {
-    const std::uint32_t n = --m_cReferencias;
-    if (n == 0) delete this;
-    return n;
   }
 
   // ---- IQVUnknown ----
 
   HRESULT Inicializa_Padrao(_REG_DF_INICIALIZAPS regps) override {
-    if (regps.usVersaoVireo != kQVVersaoSistema) QV_RETURN(E_QVCR_VERSAO_INCOMPATIVEL);
-    if (QVCrcInicializaPS(regps) != regps.uiCRC) QV_RETURN(E_QVCR_CRC_INICIALIZACAO_INVALIDO);
+    // A refusal is logged under the routine's name, as the frame names it.
+#define QV_RECUSA_INICIALIZACAO(codigo) return Recusa(codigo, #codigo, __LINE__)
+    if (regps.usVersaoVireo != kQVVersaoSistema) QV_RECUSA_INICIALIZACAO(E_QVCR_VERSAO_INCOMPATIVEL);
+    if (QVCrcInicializaPS(regps) != regps.uiCRC) QV_RECUSA_INICIALIZACAO(E_QVCR_CRC_INICIALIZACAO_INVALIDO);
     if (regps.szAplicativo[0] == '\0' || regps.szModuleName[0] == '\0' || regps.szArquivoFonte[0] == '\0' ||
         regps.ulLinhaFonte == 0 || regps.cControle != 'B')
-      QV_RETURN(E_QVCR_ESTRUTURA_INICIALIZACAO_INVALIDA);
+      QV_RECUSA_INICIALIZACAO(E_QVCR_ESTRUTURA_INICIALIZACAO_INVALIDA);
+#undef QV_RECUSA_INICIALIZACAO
     std::memcpy(&m_regInicializacao, &regps, sizeof regps);
     const HRESULT hr = ExecutaFrame(m_sNomeInicializa, [&]() -> HRESULT {
       if (!m_pServidor) return E_QVCR_OBJETO_SERVIDOR_INEXISTENTE;
@@ -191,18 +180,23 @@ class T_QVUnknown : public I {
     const T_QVUnknown* m_pFrame;
   };
 
-  // The guard and the translation without the rest of the frame: for the
-  // construction and destruction of the server object.
+  // The guard and the translation without the rest of the frame, for the
+  // construction and destruction of the server object: the caller logs.
   template <class F>
-  HRESULT Guardado(std::string_view nome, F&& f) {
+  static HRESULT Guardado(F&& f, bool* pExcecao = nullptr) {
     try {
       return QVChamaComGuardaSEH(f);
     } catch (...) {
       const HRESULT hr = QVTranslateThrownExceptionToHresult();
       QVLiberaExcecaoLancada();
-      QVLogaFalhaHrEm(nome, kFonte, __LINE__, "QVTranslateThrownExceptionToHresult()", hr);
+      if (pExcecao != nullptr) *pExcecao = true;
       return hr;
     }
+  }
+
+  HRESULT Recusa(HRESULT hr, const char* codigo, int linha) {
+    QVLogaFalhaHrEm(m_sNomeInicializa, kFonte, linha, codigo, hr);
+    return hr;
   }
 
   // Steps 2 to 10 of the standard frame.
@@ -215,7 +209,7 @@ class T_QVUnknown : public I {
     const bool rastreando = QVProfilerRastreamentoLigado();
     if (rastreando) Rastreia(EQVTipoProfiler::Entrou, nomeCompleto, 0);
 
-    const std::string empresa = m_Perfil.GetEmpresa();
+    const std::string empresa = m_pServidor ? m_Perfil.GetEmpresa() : std::string();
     const std::uint16_t codigo = m_pServidor ? static_cast<std::uint16_t>(m_pServidor->GetModulo()) : 0;
     bool registrouAcesso = false;
     if (m_pServidor) {
@@ -265,12 +259,17 @@ class T_QVUnknown : public I {
   void DestroiServidor(std::string_view nome) {
     if (!m_pServidor) return;
     S* servidor = m_pServidor.release();
-    const HRESULT hr = Guardado(nome, [&]() -> HRESULT {
-      delete servidor;
-      return S_OK;
-    });
-    // A thrown exception was logged by the translation; a fault is logged here.
-    if (QVEhCodigoSEH(hr)) QVLogaFalhaHrEm(nome, kFonte, __LINE__, "pfInSEHFuncao()", hr);
+    bool excecao = false;
+    const HRESULT hr = Guardado(
+        [&]() -> HRESULT {
+          delete servidor;
+          return S_OK;
+        },
+        &excecao);
+    if (excecao)
+      QVLogaFalhaHrEm(nome, kFonte, __LINE__, "QVTranslateThrownExceptionToHresult()", hr);
+    else if (FAILED(hr))
+      QVLogaFalhaHrEm(nome, kFonte, __LINE__, "pfInSEHFuncao()", hr);
   }
 
   void Rastreia(EQVTipoProfiler tipo, std::string_view nome, std::int64_t ms) {
@@ -282,7 +281,7 @@ class T_QVUnknown : public I {
     QVProfilerEscreve(reg);
   }
 
-  const Identidade m_Id;
+  const std::string m_sNomeTemplate;
   const std::string m_sNomeInicializa;
   const std::string m_sNomeFuncaoGenerica;
   CPerfil m_Perfil;
@@ -290,5 +289,4 @@ class T_QVUnknown : public I {
   std::unique_ptr<S> m_pServidor;
   HRESULT m_hrConstruct = S_OK;
   QVMapaEstatisticas m_Estatisticas;
-  std::atomic<std::uint32_t> m_cReferencias{1};
 };

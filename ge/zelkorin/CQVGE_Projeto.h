@@ -9,12 +9,9 @@
 class CQVGE_Projeto : public T_QVUnknown<IQVGE_Projeto, CGeProjetoBase> {
  public:
   using Frame = T_QVUnknown<IQVGE_Projeto, CGeProjetoBase>;
-  static const Frame::Identidade kIdentidade;
 
-  explicit CQVGE_Projeto(Frame::FabricaServidor fabrica = {});
+  explicit CQVGE_Projeto(Frame::FabricaServidor fabrica = {})
+      : Frame("T_QVUnknown<struct IQVGE_Projeto,class CGeProjetoBase>", std::move(fabrica)) {}
 
-  HRESULT BuscaPonteiros(_REG_FILTRO_PROJETO_PS RegFiltro, _REG_PTR_PROJETO_PS* pRegPonteiros) override;
-  HRESULT BuscaRegistros(_REG_PTR_PROJETO_PS RegPonteiros, _REG_LISTA_PROJETOS_PS* pRegLista) override;
-  HRESULT LeRegistro(std::uint32_t lPtr, _REG_PROJETO_ATENDIMENTO_PS* regps) override;
-  HRESULT Grava(_REG_PROJETO_ATENDIMENTO_PS* regProjeto) override;
+  QV_METODOS_IQVGE_PROJETO(QV_REPASSA_AO_SERVIDOR, CQVGE_Projeto)
 };

@@ -7,24 +7,14 @@ namespace {
 constexpr CLSID kClasse = QVGuid("{11111111-2222-3333-4444-555555555555}");
 constexpr IID kInterface = QVGuid("{66666666-2222-3333-4444-555555555555}");
 
-struct CObjeto : IUnknown {
-  HRESULT QueryInterface(REFIID riid, void** ppv) override {
-    if (riid == IID_IUnknown || riid == kInterface) {
-      *ppv = this;
-      AddRef();
-      return S_OK;
-    }
-    *ppv = nullptr;
-    return E_NOINTERFACE;
+constexpr IID kBase = QVGuid("{77777777-2222-3333-4444-555555555555}");
+
+struct CObjeto final : TQVObjetoCom<IUnknown> {
+  explicit CObjeto(bool* pDestruido = nullptr) : TQVObjetoCom(kInterface, kBase), m_pDestruido(pDestruido) {}
+  ~CObjeto() override {
+    if (m_pDestruido != nullptr) *m_pDestruido = true;
   }
-  std::uint32_t AddRef() override { return ++refs; }
-  std::uint32_t Release() override {
-    const std::uint32_t n = --refs;
-    if (n == 0) delete this;
-    return n;
-  }
-  int refs = 1;
-  virtual ~CObjeto() = default;
+  bool* m_pDestruido;
 };
 
 struct CFabrica final : IClassFactory {
@@ -73,7 +63,8 @@ TEST(QVCom, FabricaDeClasseDoProcesso) {
 
   CQVComPtr<IUnknown> objeto;
   ASSERT_EQ(fabrica.CreateInstance(nullptr, kInterface, objeto.ppv()), S_OK);
-  EXPECT_EQ(static_cast<CObjeto*>(objeto.get())->refs, 1);  // only the caller's reference is left
+  EXPECT_EQ(objeto->AddRef(), 2u);  // only the caller's reference was left
+  EXPECT_EQ(objeto->Release(), 1u);
   void* p = reinterpret_cast<void*>(1);
   EXPECT_EQ(fabrica.CreateInstance(objeto.get(), kInterface, &p), CLASS_E_NOAGGREGATION);
   EXPECT_EQ(p, nullptr);
@@ -86,4 +77,22 @@ TEST(QVCom, FabricaDeClasseDoProcesso) {
   EXPECT_EQ(fabrica.LockServer(false), S_OK);
   EXPECT_EQ(travas.load(), 1);
   EXPECT_EQ(fabrica.QueryInterface(kInterface, &p), E_NOINTERFACE);
+}
+
+TEST(QVCom, ObjetoContadoPorReferencias) {
+  bool destruido = false;
+  auto* o = new CObjeto(&destruido);
+  void* p = reinterpret_cast<void*>(1);
+  for (const IID& iid : {IID_IUnknown, kInterface, kBase}) {
+    ASSERT_EQ(o->QueryInterface(iid, &p), S_OK);
+    EXPECT_EQ(p, static_cast<IUnknown*>(o));
+  }
+  EXPECT_EQ(o->QueryInterface(IID_IClassFactory, &p), E_NOINTERFACE);
+  EXPECT_EQ(p, nullptr);
+  EXPECT_EQ(o->QueryInterface(kInterface, nullptr), E_POINTER);
+  // The creator's reference and the three QueryInterface added.
+  for (std::uint32_t n = 3; n > 0; --n) EXPECT_EQ(o->Release(), n);
+  EXPECT_FALSE(destruido);
+  EXPECT_EQ(o->Release(), 0u);
+  EXPECT_TRUE(destruido);
 }

@@ -31,27 +31,10 @@ class CErrosTarefa final : public kj::TaskSet::ErrorHandler {
 
 // The class object registered in a client process for one of the server's
 // classes: it makes the objects through its connection while it lasts.
-class CFabricaRemota final : public IClassFactory {
+class CFabricaRemota final : public TQVObjetoCom<IClassFactory> {
  public:
   CFabricaRemota(std::weak_ptr<CQVConexaoZelkorin> conexao, REFCLSID clsid)
-      : m_Conexao(std::move(conexao)), m_Clsid(clsid) {}
-
-  HRESULT QueryInterface(REFIID riid, void** ppv) override {
-    if (ppv == nullptr) return E_POINTER;
-    if (riid == IID_IUnknown || riid == IID_IClassFactory) {
-      *ppv = static_cast<IClassFactory*>(this);
-      AddRef();
-      return S_OK;
-    }
-    *ppv = nullptr;
-    return E_NOINTERFACE;
-  }
-  std::uint32_t AddRef() override { return ++m_cReferencias; }
-  std::uint32_t Release() override {
-    const std::uint32_t n = --m_cReferencias;
-    if (n == 0) delete this;
-    return n;
-  }
+      : TQVObjetoCom(IID_IClassFactory), m_Conexao(std::move(conexao)), m_Clsid(clsid) {}
 
   HRESULT CreateInstance(IUnknown* pUnkOuter, REFIID riid, void** ppv) override {
     if (ppv == nullptr) return E_POINTER;
@@ -65,11 +48,8 @@ class CFabricaRemota final : public IClassFactory {
   HRESULT LockServer(bool) override { return S_OK; }
 
  private:
-  ~CFabricaRemota() = default;
-
   std::weak_ptr<CQVConexaoZelkorin> m_Conexao;
   const CLSID m_Clsid;
-  std::atomic<std::uint32_t> m_cReferencias{1};
 };
 
 }  // namespace

@@ -1,59 +1,44 @@
 @0xad122494ff71a85a;
 # The transport between client programs and the server process: the class
-# factory hands out one capability per client object; each interface slot is
-# one method; each record travels as its fixed bytes and its owned data
-# (docs/transport.md). Every method answers the status the object returned.
+# factory hands out one capability per client object, and every method of
+# the object's interface travels as one generic call naming its slot, with
+# its parameters in the order of the interface's method table
+# (core/QVRPCDLL/QVMetodos.h, docs/transport.md). The schema does not list
+# the interfaces' methods: adding or changing one leaves it as it is.
 
 $import "/capnp/c++.capnp".namespace("zk");
 
+# A wire record: its fixed bytes and what it owns (core/QVRPCDLL/QVMarshaller.h).
 struct Registro {
   fixo @0 :Data;
   anexos @1 :Data;
 }
 
-interface QVUnknown {
-  inicializaPadrao @0 (regps :Registro) -> (hr :Int32);
-  keepAlive @1 () -> (hr :Int32, bOK :Int32);
-  getUltimoErro @2 () -> (hr :Int32, erro :Registro);
-  # A null out pointer travels as temSaida false.
-  funcaoGenerica @3 (ulFuncao :UInt32, regInps :Registro) -> (hr :Int32, temSaida :Bool, saida :Registro);
+# One parameter's value, by the parameter's type.
+struct Valor {
+  union {
+    nenhum @0 :Void;        # an out record the callee allocates and did not give
+    numero @1 :Int64;       # an integer of any width, checked against it on arrival
+    registro @2 :Registro;
+    texto @3 :Data;         # a system string: its UTF-16 bytes (empty: no string)
+  }
 }
 
-interface Atendimento extends(QVUnknown) {
-  buscaPonteiros @0 (regFiltroPs :Registro) -> (hr :Int32, regListaPonteirosPs :Registro, regClientes :Registro);
-  buscaRegistros @1 (regPonteirosPs :Registro) -> (hr :Int32, regRegistrosPs :Registro);
-  buscaPonteirosAgenda @2 (regFiltroPs :Registro) -> (hr :Int32, regListaPonteirosPs :Registro);
-  buscaRegistrosAgenda @3 (regPonteiros :Registro) -> (hr :Int32, regListaServicosPs :Registro);
-  leAtendimento @4 (iMA :UInt16, lPosicao :UInt32) -> (hr :Int32, regAtendimento :Registro);
-  leAtendimentoLight @5 (iMA :UInt16, lPosicao :UInt32) -> (hr :Int32, regAtendimento :Registro);
-  gravaAtendimento @6 (iMA :UInt16, lPosicao :UInt32, regAtendimentoPs :Registro)
-      -> (hr :Int32, lPosicaoGravada :UInt32);
-  lePropriedades @7 (dwFlags :UInt32) -> (hr :Int32, regPropriedadesPs :Registro);
-  gravaPropriedades @8 (regPropriedadesPs :Registro, dwFlags :UInt32) -> (hr :Int32);
-  # System strings travel as their UTF-16 bytes (empty: no string).
-  buscaLeiautesAtendimento @9 () -> (hr :Int32, bsListaLeiautes :Data);
-  buscaLeiautesAtendimentoDFCLAY @10 () -> (hr :Int32, bsListaLeiautes :Data);
-  buscaLeiautesAtendimentoDFCMOD @11 () -> (hr :Int32, bsListaLeiautes :Data);
-  consistirNumeroAtendimentoPS @12 (lNumeroAtendimento :UInt32) -> (hr :Int32, pbNumeroNaoDuplicado :Int32);
-  geraRelatorioAgrupamento @13 (regRelatorio :Registro, cTipoAgrupamento :UInt8) -> (hr :Int32);
-  geraRelatorioPeriodo @14 (regRelatorioPs :Registro) -> (hr :Int32);
-  geraRelatorioAtendimento @15 (regRelatorioPs :Registro) -> (hr :Int32);
-  geraRelatorioControleHoras @16 (regFiltro :Registro) -> (hr :Int32);
-  geraRelatorioConsultaAgendamento @17 (regRelConsultaAgendamento :Registro)
-      -> (hr :Int32, regRelConsultaAgendamento :Registro);
-}
-
-interface Projeto extends(QVUnknown) {
-  buscaPonteiros @0 (regFiltro :Registro) -> (hr :Int32, pRegPonteiros :Registro);
-  buscaRegistros @1 (regPonteiros :Registro) -> (hr :Int32, pRegLista :Registro);
-  leRegistro @2 (lPtr :UInt32) -> (hr :Int32, regps :Registro);
-  grava @3 (regProjeto :Registro) -> (hr :Int32, regProjeto :Registro);
+interface Objeto {
+  # Slot 3 is the first (IQVUnknown's Inicializa_Padrao). entradas: the in
+  # and in/out parameters, saidas: the out and in/out ones, each in the
+  # method's order; saidas are sent only when hr is a success. A slot the
+  # object's interface does not have answers
+  # HRESULT_FROM_WIN32(RPC_S_PROCNUM_OUT_OF_RANGE); parameters that are not
+  # what the method takes answer RPC_X_BAD_STUB_DATA, before the object sees
+  # the call.
+  chama @0 (slot :UInt16, entradas :List(Valor)) -> (hr :Int32, saidas :List(Valor));
 }
 
 interface Fabrica {
   # By class identifier (16 bytes, the platform's GUID layout). The answer
   # names the object's business interface (iid, 16 bytes), which tells the
-  # client what to cast the capability to. An unknown class answers
-  # REGDB_E_CLASSNOTREG and no object.
-  criaObjeto @0 (clsid :Data) -> (hr :Int32, objeto :QVUnknown, iid :Data);
+  # client which method table the object's slots follow. An unknown class
+  # answers REGDB_E_CLASSNOTREG and no object.
+  criaObjeto @0 (clsid :Data) -> (hr :Int32, objeto :Objeto, iid :Data);
 }

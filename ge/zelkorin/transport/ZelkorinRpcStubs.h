@@ -1,7 +1,8 @@
 // The server side of the transport: the class factory each connection
-// serves and the stubs of the client objects it hands out. A stub unmarshals
-// a call's records (refusing bad data before the object sees it), calls the
-// object through its frame and marshals what it answered.
+// serves and the stubs of the client objects it hands out. A stub reads a
+// call's parameters by the method table of the object's interface (refusing
+// bad data before the object sees it), calls the object through its frame
+// and sends back what it answered.
 #pragma once
 
 #include <capnp/capability.h>

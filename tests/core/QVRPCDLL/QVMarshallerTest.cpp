@@ -67,7 +67,7 @@ TEST(QVMarshaller, BytesCanonicos) {
 }
 
 TEST(QVMarshaller, DadosRuinsSaoRecusadosSemVazar) {
-  auto original = AtendimentoCompleto();
+  auto original = Amostra<_REG_ATENDIMENTO_PS>(1);
   std::string fixo, anexos;
   QVMarshal(original, &fixo, &anexos);
   QVLibera(&original);
@@ -85,7 +85,7 @@ TEST(QVMarshaller, DadosRuinsSaoRecusadosSemVazar) {
   EXPECT_EQ(QVUnmarshal(Bytes(fixo), Bytes(anexos), &r, QVLimitesMarshal{.ulMaxElementos = 2}), RPC_X_BAD_STUB_DATA);
 
   // A huge count behind a few bytes: refused before anything is allocated.
-  auto filtro = FiltroComListas();
+  auto filtro = Amostra<_REG_FILTRO_ATENDIMENTO_PS>(1);
   QVMarshal(filtro, &fixo, &anexos);
   QVLibera(&filtro);
   std::int32_t menosUm = -1;
