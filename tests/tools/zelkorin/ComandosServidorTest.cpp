@@ -11,6 +11,8 @@
 
 #include <csignal>
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <nlohmann/json.hpp>
 #include <sstream>
 
@@ -31,6 +33,17 @@ bool Atende(const std::string& caminho) {
 }
 
 bool SaiuCom(int status, int codigo) { return WIFEXITED(status) && WEXITSTATUS(status) == codigo; }
+
+// The error log lines of a server on that data root.
+std::vector<std::string> LinhasLog(const std::string& raiz) {
+  std::vector<std::string> linhas;
+  std::error_code ec;
+  for (const auto& e : std::filesystem::directory_iterator(raiz + "/QVProfiler", ec)) {
+    std::ifstream in(e.path());
+    for (std::string l; std::getline(in, l);) linhas.push_back(l);
+  }
+  return linhas;
+}
 
 }  // namespace
 
@@ -69,7 +82,23 @@ TEST(ComandosServidor, ServeSampleStatusESigterm) {
   EXPECT_NE(out.str().find("Servidor em unix:" + socket), std::string::npos) << out.str();
   EXPECT_NE(out.str().find("CQVGE_Atendimento   LePropriedades"), std::string::npos) << out.str();
 
+  // Narrowed: a company that made no call has none; a day that is not one
+  // gets no statistics, and the status says so.
+  opcoes.json = true;
+  opcoes.estatisticasEmpresa = "NINGUEM";
+  out.str("");
+  ASSERT_EQ(QVComandoStatus(opcoes, out, err), 0) << err.str();
+  EXPECT_EQ(nlohmann::json::parse(out.str())["estatisticas"]["processo"], nlohmann::json::object());
+  opcoes.estatisticasDia = "ontem";
+  EXPECT_EQ(QVComandoStatus(opcoes, out, err), 2);
+  EXPECT_NE(err.str().find("não deu estatísticas (QVGE_Atendimento: FuncaoGenerica(9001) 0x80070057 E_INVALIDARG"),
+            std::string::npos)
+      << err.str();
+
+  // A clean stop writes nothing to the error log.
+  const std::size_t linhasLog = LinhasLog(raiz).size();
   EXPECT_TRUE(SaiuCom(servidor.Termina(SIGTERM), 0));
+  EXPECT_EQ(LinhasLog(raiz).size(), linhasLog);
   const std::string erros = servidor.Erros();
   for (const char* linha : {"raiz de dados " , "zelkorin: ouvindo unix:", "zelkorin: conexão 1 aberta (unix)",
                             "zelkorin: conexão 3 encerrada", "zelkorin: sinal SIGTERM", "zelkorin: encerrado"})
@@ -83,17 +112,46 @@ TEST(ComandosServidor, ServeSampleStatusESigterm) {
 }
 
 TEST(ComandosServidor, LinhasDeComandoRuinsNaoIniciamNada) {
-  for (const std::vector<std::string>& args :
-       {std::vector<std::string>{"serve", "--max-elementos", "0"},
-        std::vector<std::string>{"status", "--socket", "a", "--connect", "b:1"},
-        std::vector<std::string>{"sample", "--root", "r", "--socket", "s"}}) {
-    CQVProcessoTeste p(args, ZELKORIN_PROGRAMA);
+  const std::string raiz = QVTesteNovoDiretorio("r");
+  const std::string longo = raiz + "/" + std::string(120, 's') + ".sock";
+  struct Caso {
+    std::vector<std::string> args;
+    int codigo;  // -1: any failure
+    const char* diz;
+  };
+  const Caso casos[] = {
+      {{"serve", "--max-elementos", "0"}, -1, ""},
+      {{"serve", "--tempo-ocioso-ms", "0"}, -1, ""},
+      {{"status", "--socket", "a", "--connect", "b:1"}, -1, ""},
+      {{"sample", "--root", "r", "--socket", "s"}, -1, ""},
+      // Every interface, spelt three ways: refused without --allow-remote.
+      {{"serve", "--root", raiz, "--listen", "0.0.0.0:0"}, 2, "use --allow-remote"},
+      {{"serve", "--root", raiz, "--listen", "*:0"}, 2, "(tcp:0.0.0.0:0) aceitaria conexões de outras máquinas"},
+      {{"serve", "--root", raiz, "--listen", "[::]:0"}, 2, "use --allow-remote"},
+      {{"serve", "--root", raiz, "--listen", "::1:0"}, 2, "endereço inválido"},
+      {{"serve", "--root", raiz, "--listen", "porta"}, 2, "endereço inválido: 0x80070057 E_INVALIDARG"},
+      // A socket path that is a directory, one longer than the system takes.
+      {{"serve", "--root", raiz, "--socket", QVTesteDiretorio()}, 1, "ERROR_FILE_EXISTS"},
+      {{"serve", "--root", raiz, "--socket", longo}, 1, "ERROR_FILENAME_EXCED_RANGE"},
+  };
+  for (const Caso& c : casos) {
+    SCOPED_TRACE(c.args[0] + " " + c.args.back());
+    CQVProcessoTeste p(c.args, ZELKORIN_PROGRAMA);
     const int status = p.Espera();
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) != 0) << args[0] << " " << p.Erros();
+    ASSERT_TRUE(WIFEXITED(status)) << p.Erros();
+    if (c.codigo < 0) EXPECT_NE(WEXITSTATUS(status), 0) << p.Erros();
+    else EXPECT_EQ(WEXITSTATUS(status), c.codigo) << p.Erros();
+    EXPECT_NE(p.Erros().find(c.diz), std::string::npos) << p.Erros();
   }
-  // A socket path that is a directory: the server does not start.
-  CQVProcessoTeste p({"serve", "--root", QVTesteNovoDiretorio("r"), "--socket", QVTesteDiretorio()},
-                     ZELKORIN_PROGRAMA);
-  EXPECT_TRUE(SaiuCom(p.Espera(), 1)) << p.Erros();
-  EXPECT_NE(p.Erros().find("o servidor não pôde iniciar"), std::string::npos) << p.Erros();
+}
+
+TEST(ComandosServidor, EscutaRemotaPermitidaComAviso) {
+  CQVProcessoTeste servidor({"serve", "--root", QVTesteNovoDiretorio("remota"), "--listen", "0.0.0.0:0",
+                             "--allow-remote"},
+                            ZELKORIN_PROGRAMA);
+  ASSERT_TRUE(QVTesteEsperaQue([&] { return servidor.Erros().find("ouvindo tcp:0.0.0.0:0") != std::string::npos; }))
+      << servidor.Erros();
+  EXPECT_NE(servidor.Erros().find("zelkorin: aviso: tcp:0.0.0.0:0 aceita conexões de outras máquinas"),
+            std::string::npos);
+  EXPECT_TRUE(SaiuCom(servidor.Termina(SIGTERM), 0));
 }
