@@ -59,9 +59,9 @@ void QVAdicionaEstatistica(QVMapaEstatisticas& mapa, const std::string& empresa,
     Poda(mapa, dia);
     itEmpresa = mapa.find(empresa);
   }
-  const bool semLugar = itEmpresa == mapa.end() && mapa.size() - mapa.count(kQVEmpresaOutras) >= kQVMaxEmpresasEstatisticas;
-  const std::string& nome = semLugar ? std::string(kQVEmpresaOutras) : empresa;
-  mapa[nome][dia][classe][metodo][codigo].Adiciona(ms);
+  const bool semLugar =
+      itEmpresa == mapa.end() && mapa.size() - mapa.count(kQVEmpresaOutras) >= kQVMaxEmpresasEstatisticas;
+  mapa[semLugar ? std::string(kQVEmpresaOutras) : empresa][dia][classe][metodo][codigo].Adiciona(ms);
 }
 
 HRESULT QVLeFiltroEstatisticas(std::string_view texto, QVFiltroEstatisticas* pFiltro) {

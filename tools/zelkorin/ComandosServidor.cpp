@@ -90,8 +90,9 @@ Respostas Pergunta(CQVConexaoZelkorin& conexao, REFCLSID clsid, const QVOpcoesSt
 // Why an object gave no statistics, or "" when it did.
 std::string SemEstatisticas(const Respostas& r) {
   if (FAILED(r.hrCria)) return "CriaObjeto " + Status(r.hrCria);
-  if (FAILED(r.hrEstatisticas)) return "FuncaoGenerica(" + std::to_string(QV_FUNCAO_GENERICA_ESTATISTICAS_USO) + ") " +
-                                       Status(r.hrEstatisticas) + " - " + QVGetDescricaoHRESULT(r.hrEstatisticas);
+  if (FAILED(r.hrEstatisticas))
+    return "FuncaoGenerica(" + std::to_string(QV_FUNCAO_GENERICA_ESTATISTICAS_USO) + ") " + Status(r.hrEstatisticas) +
+           " - " + QVGetDescricaoHRESULT(r.hrEstatisticas);
   if (!r.estatisticas.is_object()) return "a resposta não é um objeto JSON";
   return {};
 }
@@ -147,24 +148,6 @@ void EscreveEstatisticas(const nlohmann::json& j, std::ostream& out) {
 std::string QVSocketPadrao(const std::string& raiz) { return raiz + "/zelkorin.sock"; }
 
 int QVComandoServe(const std::string& raiz, QVOpcoesServidor opcoes, std::ostream& err) {
-  // TCP is checked before anything starts: nothing on the wire
-  // authenticates a client, so an address other machines can reach must be
-  // asked for in so many words.
-  if (!opcoes.sEscuta.empty()) {
-    QVEnderecoTcp endereco;
-    const HRESULT hr = QV_LOGA(QVEnderecoEscuta(opcoes.sEscuta, &endereco));
-    if (FAILED(hr)) {
-      err << "zelkorin: --listen " << opcoes.sEscuta << ": endereço inválido: " << Status(hr) << " - "
-          << QVGetDescricaoHRESULT(hr) << "\n";
-      return 2;
-    }
-    if (!endereco.bLoopback && !opcoes.bPermiteRemoto) {
-      err << "zelkorin: --listen " << opcoes.sEscuta << " (tcp:" << endereco.sTexto
-          << ") aceitaria conexões de outras máquinas, e nada autentica os clientes; use --allow-remote para "
-             "permitir\n";
-      return 2;
-    }
-  }
   if (!raiz.empty()) QVDefineRaizDados(raiz);
   const std::string sRaiz = QVRaizDados();
   std::error_code ec;
@@ -174,6 +157,24 @@ int QVComandoServe(const std::string& raiz, QVOpcoesServidor opcoes, std::ostrea
     return 1;
   }
   QVProfilerDefineDiretorioBase(sRaiz);
+  // TCP is checked before anything is served: nothing on the wire
+  // authenticates a client, so an address other machines can reach must be
+  // asked for in so many words.
+  if (!opcoes.sEscuta.empty()) {
+    QVEnderecoTcp endereco;
+    const HRESULT hr = QVEnderecoEscuta(opcoes.sEscuta, &endereco);
+    if (FAILED(hr)) {
+      err << "zelkorin: --listen " << opcoes.sEscuta << ": endereço inválido: " << Status(hr) << " - "
+          << QVGetDescricaoHRESULT(hr) << " (use PORTA, HOST:PORTA, [IPV6]:PORTA ou *:PORTA)\n";
+      return 2;
+    }
+    if (!endereco.bLoopback && !opcoes.bPermiteRemoto) {
+      err << "zelkorin: --listen " << opcoes.sEscuta << " (tcp:" << endereco.sTexto
+          << ") aceitaria conexões de outras máquinas, e nada autentica os clientes; use --allow-remote para "
+             "permitir\n";
+      return 2;
+    }
+  }
   if (opcoes.sSocket.empty()) opcoes.sSocket = QVSocketPadrao(sRaiz);
   opcoes.log = [&err](const std::string& linha) { err << "zelkorin: " << linha << std::endl; };
   err << "zelkorin " << QVVersaoPrograma() << " (pid " << QVCurrentProcessId() << "): raiz de dados " << sRaiz
@@ -206,7 +207,9 @@ int QVComandoStatus(const QVOpcoesStatus& opcoes, std::ostream& out, std::ostrea
   // The statistics read last are the freshest.
   const nlohmann::json& estatisticas = projeto.estatisticas.is_object() ? projeto.estatisticas : atendimento.estatisticas;
   const std::string semEstatisticas =
-      estatisticas.is_object() ? "" : "QVGE_Atendimento: " + SemEstatisticas(atendimento) + "; QVGE_Projeto: " + SemEstatisticas(projeto);
+      estatisticas.is_object()
+          ? ""
+          : "QVGE_Atendimento: " + SemEstatisticas(atendimento) + "; QVGE_Projeto: " + SemEstatisticas(projeto);
   if (opcoes.json) {
     nlohmann::json j = {{"servidor", onde},
                         {"QVGE_Atendimento", ComoJson(atendimento)},

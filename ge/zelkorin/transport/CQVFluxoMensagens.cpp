@@ -8,6 +8,8 @@
 
 namespace {
 
+using Reserva = CQVOrcamentoMensagens::CReserva;
+
 static_assert(std::endian::native == std::endian::little, "the framing's numbers are read as this machine's");
 
 // The library's own reader refuses more; so do we, before reading them.
@@ -153,11 +155,11 @@ kj::Promise<kj::Maybe<capnp::MessageReaderAndFds>> CQVFluxoMensagens::LeCorpo(Le
                                           std::to_string(limite) + " bytes");
         // Waiting for the budget is bounded like any other wait within a message.
         return m_Orcamento.Reserva(bytes)
-            .then([](CQVOrcamentoMensagens::CReserva&& r) { return kj::Maybe<CQVOrcamentoMensagens::CReserva>(kj::mv(r)); })
+            .then([](Reserva&& r) { return kj::Maybe<Reserva>(kj::mv(r)); })
             .exclusiveJoin(m_Timer.afterDelay(m_Limites.ulTempoOciosoMs * kj::MILLISECONDS).then([]() {
-              return kj::Maybe<CQVOrcamentoMensagens::CReserva>(nullptr);
+              return kj::Maybe<Reserva>(nullptr);
             }))
-            .then([this, &l, bytes, palavrasTabela, palavrasCorpo](kj::Maybe<CQVOrcamentoMensagens::CReserva>&& r) {
+            .then([this, &l, bytes, palavrasTabela, palavrasCorpo](kj::Maybe<Reserva>&& r) {
               KJ_IF_MAYBE(reserva, r) {
                 l.reserva = kj::mv(*reserva);
               } else {
@@ -174,8 +176,8 @@ kj::Promise<kj::Maybe<capnp::MessageReaderAndFds>> CQVFluxoMensagens::LeCorpo(Le
             });
       })
       .then([this, &l, opcoes]() {
-        kj::Own<capnp::MessageReader> leitor =
-            kj::heap<capnp::FlatArrayMessageReader>(l.palavras.asPtr(), opcoes).attach(kj::mv(l.palavras), kj::mv(l.reserva));
+        kj::Own<capnp::MessageReader> leitor = kj::heap<capnp::FlatArrayMessageReader>(l.palavras.asPtr(), opcoes)
+                                                   .attach(kj::mv(l.palavras), kj::mv(l.reserva));
         // A message the RPC system cannot read is its to refuse; only calls
         // and bootstraps, which always get an answer, are counted.
         KJ_IF_MAYBE(e, kj::runCatchingExceptions([&]() {
@@ -191,7 +193,8 @@ kj::Promise<kj::Maybe<capnp::MessageReaderAndFds>> CQVFluxoMensagens::LeCorpo(Le
 kj::Promise<void> CQVFluxoMensagens::LeComPrazo(kj::byte* p, std::size_t n) {
   if (n == 0) return kj::READY_NOW;
   return m_Stream.tryRead(p, 1, n)
-      .exclusiveJoin(m_Timer.afterDelay(m_Limites.ulTempoOciosoMs * kj::MILLISECONDS).then([]() { return kPrazoEsgotado; }))
+      .exclusiveJoin(
+          m_Timer.afterDelay(m_Limites.ulTempoOciosoMs * kj::MILLISECONDS).then([]() { return kPrazoEsgotado; }))
       .then([this, p, n](std::size_t lidos) -> kj::Promise<void> {
         if (lidos == kPrazoEsgotado) {
           std::string motivo = "mensagem incompleta: nada chegou em " + std::to_string(m_Limites.ulTempoOciosoMs) +

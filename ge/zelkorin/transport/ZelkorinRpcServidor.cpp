@@ -66,7 +66,9 @@ class CQVServidorRpc final : private kj::TaskSet::ErrorHandler {
   // first, then the observer, then the socket.
   struct Ouvinte {
     Ouvinte(kj::UnixEventPort& porta, CQVSocket s, std::string t)
-        : socket(std::move(s)), tipo(std::move(t)), observador(porta, socket.Get(), kj::UnixEventPort::FdObserver::OBSERVE_READ) {}
+        : socket(std::move(s)),
+          tipo(std::move(t)),
+          observador(porta, socket.Get(), kj::UnixEventPort::FdObserver::OBSERVE_READ) {}
     CQVSocket socket;
     std::string tipo;
     kj::UnixEventPort::FdObserver observador;
@@ -112,14 +114,17 @@ class CQVServidorRpc final : private kj::TaskSet::ErrorHandler {
       if (FAILED(hr)) {
         const std::uint32_t ms = std::min(kEsperaAceiteMaxMs, kEsperaAceiteMinMs << std::min(o.ulFalhas, 7u));
         if (o.ulFalhas++ == 0) {
-          QVLogaFalhaHr(QV_LOCAL, "QVAcceptConnection(o.socket.Get(), &novo)", hr);
+          QVLogaFalhaHrEm("CQVServidorRpc::Aceita", kFonte, __LINE__, "QVAcceptConnection(o.socket.Get(), &novo)",
+                          hr);
           Anuncia(m_Opcoes, "aceitar conexão (" + o.tipo + ") falhou: " + QVNomeSimbolico(hr) + " - " +
                                 QVGetDescricaoHRESULT(hr) + "; nova tentativa em até " +
                                 std::to_string(kEsperaAceiteMaxMs) + " ms");
         }
         return m_Io.provider->getTimer().afterDelay(ms * kj::MILLISECONDS).then([this, &o]() { return Aceita(o); });
       }
-      Abre(std::move(novo), o.tipo);
+      // A connection that cannot be set up is logged and dropped; the
+      // listener goes on.
+      KJ_IF_MAYBE(e, kj::runCatchingExceptions([&]() { Abre(std::move(novo), o.tipo); })) taskFailed(kj::mv(*e));
     }
   }
 
