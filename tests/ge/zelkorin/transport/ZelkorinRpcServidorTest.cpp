@@ -1,9 +1,6 @@
-// `zelkorin serve` under abuse from local clients that speak the transport
-// badly on purpose: out of descriptors, answers never read, messages that
-// stop half-way or do not fit, too many connections, protocol garbage. The
-// server must log each once, stay within its limits, go on serving the
-// others, and still stop cleanly on SIGTERM. Limits are set small on the
-// command line so that each case takes a fraction of a second.
+// `zelkorin serve` under abuse by raw local clients: it logs each abuse
+// once, stays within its limits, serves the others and stops cleanly on
+// SIGTERM. Small limits on the command line keep each case short.
 #include <capnp/message.h>
 #include <capnp/rpc.capnp.h>
 #include <capnp/serialize.h>
@@ -41,12 +38,9 @@ std::size_t LinhasCom(const std::string& trecho) {
 // log) the test's.
 class CServidor {
  public:
-  explicit CServidor(const std::vector<std::string>& extras) {
-    static int s_n = 0;
+  explicit CServidor(std::vector<std::string> args) {
     QVTesteLimpaLog();
-    m_sSocket = QVTesteDiretorio() + "/abuso" + std::to_string(++s_n) + ".sock";
-    std::vector<std::string> args{"serve", "--root", QVTesteDiretorio(), "--socket", m_sSocket};
-    args.insert(args.end(), extras.begin(), extras.end());
+    args.insert(args.begin(), {"serve", "--root", QVTesteDiretorio(), "--socket", m_sSocket});
     m_pProcesso = std::make_unique<CQVProcessoTeste>(args, ZELKORIN_PROGRAMA);
     m_bPronto = EsperaErro("ouvindo unix:");
   }
@@ -72,7 +66,7 @@ class CServidor {
   }
 
  private:
-  std::string m_sSocket;
+  const std::string m_sSocket = QVTesteDiretorio() + "/abuso" + std::to_string(::getpid()) + ".sock";
   std::unique_ptr<CQVProcessoTeste> m_pProcesso;
   bool m_bPronto = false;
 };
