@@ -53,7 +53,7 @@ std::size_t QVMaxUnixSocketPath();
 struct QVEnderecoTcp {
   std::string sTexto;      // numeric "host:port" ("[v6]:port" for IPv6)
   bool bLoopback = false;  // only this machine can reach it
-  unsigned char bytes[128] = {};
+  alignas(16) unsigned char bytes[128] = {};
   std::uint32_t ulTamanho = 0;
 };
 

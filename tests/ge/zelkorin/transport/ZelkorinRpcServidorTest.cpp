@@ -262,6 +262,10 @@ TEST(ServidorSobAbuso, ConexoesAlemDoLimiteSaoFechadasAoChegar) {
 }
 
 TEST(ServidorSobAbuso, SemDescritoresLogaEsperaEVoltaAAceitar) {
+#ifdef __SANITIZE_ADDRESS__
+  GTEST_SKIP() << "the sanitizers' runtime probes memory through a pipe of its own, and reports false errors once "
+                  "the process has no descriptor left";
+#endif
   CServidor s({});
   ASSERT_TRUE(s.Pronto()) << s.Erros();
   // Room for two more descriptors (the lowest free numbers are taken
