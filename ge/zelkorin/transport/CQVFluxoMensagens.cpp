@@ -1,5 +1,6 @@
 #include "ge/zelkorin/transport/CQVFluxoMensagens.h"
 
+#include <algorithm>
 #include <bit>
 #include <capnp/serialize.h>
 #include <cstring>
@@ -243,7 +244,10 @@ kj::Promise<void> CQVFluxoMensagens::EnviaAbort(capnp::rpc::Exception::Reader or
     motivo = MotivoPlano(tipo);
     if (tipo != capnp::rpc::Exception::Type::DISCONNECTED) {
       m_sMotivo = motivo;
-      if (m_AoFalhar) m_AoFalhar(RPC_X_BAD_STUB_DATA, std::string(original.getReason().cStr()));
+      // The library's reason may run over several lines; the log has one per fault.
+      std::string razao = original.getReason().cStr();
+      std::replace_if(razao.begin(), razao.end(), [](char c) { return c == '\n' || c == '\r' || c == '\t'; }, ' ');
+      if (m_AoFalhar) m_AoFalhar(RPC_X_BAD_STUB_DATA, razao);
     }
   }
   auto mensagem = kj::heap<capnp::MallocMessageBuilder>(64);
