@@ -101,9 +101,14 @@ constexpr std::uint32_t ERROR_DIR_NOT_EMPTY = 145;
 constexpr std::uint32_t ERROR_ALREADY_EXISTS = 183;
 constexpr std::uint32_t ERROR_FILENAME_EXCED_RANGE = 206;
 constexpr std::uint32_t ERROR_DIRECTORY = 267;
+constexpr std::uint32_t ERROR_TIMEOUT = 1460;
 constexpr std::uint32_t ERROR_FILE_READ_ONLY = 6009;
-// The transport's: no server answers at the address; a method number the
-// object does not have; the address is taken.
+// The transport's: no server answers at the address, or it has no room for
+// another client; a method number the object does not have; the address is
+// taken, is not one of this machine's, names no known host.
 constexpr std::uint32_t RPC_S_SERVER_UNAVAILABLE = 1722;
+constexpr std::uint32_t RPC_S_SERVER_TOO_BUSY = 1723;
 constexpr std::uint32_t RPC_S_PROCNUM_OUT_OF_RANGE = 1745;
 constexpr std::uint32_t WSAEADDRINUSE = 10048;
+constexpr std::uint32_t WSAEADDRNOTAVAIL = 10049;
+constexpr std::uint32_t WSAHOST_NOT_FOUND = 11001;

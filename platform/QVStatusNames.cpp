@@ -107,11 +107,14 @@ constexpr QVPlatformError kErrors[] = {
     {1392, "ERROR_FILE_CORRUPT", "O arquivo ou diretório está corrompido"},
     {1460, "ERROR_TIMEOUT", "Tempo de espera esgotado"},
     {1722, "RPC_S_SERVER_UNAVAILABLE", "O servidor de chamadas remotas não está disponível"},
+    {1723, "RPC_S_SERVER_TOO_BUSY", "O servidor de chamadas remotas está ocupado demais"},
     {1726, "RPC_S_CALL_FAILED", "A chamada remota falhou"},
     {1745, "RPC_S_PROCNUM_OUT_OF_RANGE", "O número do procedimento está fora do intervalo"},
     {1783, "RPC_X_BAD_STUB_DATA", "Dados inválidos na chamada remota"},
     {6009, "ERROR_FILE_READ_ONLY", "O arquivo é somente leitura"},
     {10048, "WSAEADDRINUSE", "O endereço já está em uso"},
+    {10049, "WSAEADDRNOTAVAIL", "O endereço pedido não é válido neste computador"},
+    {11001, "WSAHOST_NOT_FOUND", "Host desconhecido"},
 };
 
 struct Facility {

@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "df/qvlibex/QVException.h"
+#include "df/qvlibex/QVLog.h"
 #include "df/qvlibex/QVVersao.h"
 #include "platform/QVSystemInfo.h"
 #include "platform/QVTaskMem.h"
@@ -57,16 +58,37 @@ HRESULT QVDevolveJson(const std::string& json, _REG_DF_FUNCAO_GENERICAPS** ppreg
   return S_OK;
 }
 
-std::string QVJsonEstatisticasUso(const QVMapaEstatisticas& objeto) {
+std::string QVJsonEstatisticasUso(const QVMapaEstatisticas& objeto, const QVFiltroEstatisticas& filtro) {
   nlohmann::json j;
   j["servidor"] = {{"programa", QVProcessName()},
                    {"versao", QVVersaoPrograma()},
                    {"pid", QVCurrentProcessId()},
                    {"computador", QVComputerName()},
                    {"objetosAtivos", QVObjetosAtivos()}};
-  j["objeto"] = QVEstatisticasJson(objeto);
-  j["processo"] = QVEstatisticasJson(QVEstatisticasProcesso().Copia());
+  // What the cells may take: the rest is the header above, the filter's
+  // company names and the closing members, a few hundred bytes at most.
+  std::size_t uiBytes = kQVMaxBytesEstatisticas - 4096;
+  std::uint32_t ulOmitidos = 0;
+  j["objeto"] = QVEstatisticasJson(objeto, filtro, &uiBytes, &ulOmitidos);
+  j["processo"] = QVEstatisticasJson(QVEstatisticasProcesso().Copia(), filtro, &uiBytes, &ulOmitidos);
+  j["truncado"] = ulOmitidos != 0;
+  j["omitidos"] = ulOmitidos;
   return j.dump();
+}
+
+HRESULT QVRespondeEstatisticasUso(const QVMapaEstatisticas& objeto, const _REG_DF_FUNCAO_GENERICAPS& pedido,
+                                  _REG_DF_FUNCAO_GENERICAPS** ppregOutps) {
+  if (ppregOutps == nullptr) return E_POINTER;
+  *ppregOutps = nullptr;
+  std::string_view texto;
+  if (pedido.pListaBytes != nullptr)
+    texto = std::string_view(reinterpret_cast<const char*>(pedido.pListaBytes), pedido.ulQtdBytes);
+  // A text sent with its terminating zero, as the answer is.
+  while (!texto.empty() && texto.back() == '\0') texto.remove_suffix(1);
+  QVFiltroEstatisticas filtro;
+  QV_CHECK(QVLeFiltroEstatisticas(texto, &filtro));
+  QV_CHECK(QVDevolveJson(QVJsonEstatisticasUso(objeto, filtro), ppregOutps));
+  return S_OK;
 }
 
 int QVObjetosAtivos() { return g_objetos.load(); }

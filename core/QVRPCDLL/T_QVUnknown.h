@@ -133,7 +133,7 @@ class T_QVUnknown : public TQVObjetoCom<I> {
                          _REG_DF_FUNCAO_GENERICAPS** ppregOutps) override {
     return ChamaNegocio(m_sNomeFuncaoGenerica, [&](S& servidor) -> HRESULT {
       if (ulFuncao == QV_FUNCAO_GENERICA_ESTATISTICAS_USO)
-        return QVDevolveJson(QVJsonEstatisticasUso(m_Estatisticas), ppregOutps);
+        return QVRespondeEstatisticasUso(m_Estatisticas, regInps, ppregOutps);
       return servidor.FuncaoGenerica(ulFuncao, regInps, ppregOutps);
     });
   }

@@ -1,7 +1,5 @@
 #include "tools/zelkorin/ComandosServidor.h"
 
-#include <unistd.h>
-
 #include <CLI/CLI.hpp>
 #include <cstring>
 #include <filesystem>
@@ -18,6 +16,7 @@
 #include "ge/zelkorin/ZelkorinClasses.h"
 #include "ge/zelkorin/ZelkorinInterfaces.h"
 #include "platform/QVCodePage.h"
+#include "platform/QVSystemInfo.h"
 #include "platform/QVTaskMem.h"
 #include "suite/hostlink/QVSessaoSuite.h"
 
@@ -47,7 +46,7 @@ _REG_DF_INICIALIZAPS RegistroInicializacao(const QVOpcoesStatus& opcoes) {
   QVDadosInicializacao d;
   d.empresa = QVUtf8ToAnsi(opcoes.empresa);
   d.usuario = opcoes.usuario;
-  d.numeroSessao = static_cast<std::uint32_t>(::getpid());
+  d.numeroSessao = QVCurrentProcessId();
   d.aplicativo = "zelkorin status";
   d.moduleName = "ComandosServidor";
   d.arquivoFonte = "tools/zelkorin/ComandosServidor.cpp";
@@ -69,7 +68,14 @@ Respostas Pergunta(CQVConexaoZelkorin& conexao, REFCLSID clsid, const QVOpcoesSt
     r.hrErroGuardado = erro.hr;
     r.sMensagemErro = QVAnsiToUtf8(QVLeCampoTexto(erro.cMensagem));
   }
+  // The request narrows the statistics as the options asked.
+  nlohmann::json pedido = nlohmann::json::object();
+  if (!opcoes.estatisticasEmpresa.empty()) pedido["empresa"] = opcoes.estatisticasEmpresa;
+  if (!opcoes.estatisticasDia.empty()) pedido["dia"] = opcoes.estatisticasDia;
+  std::string textoPedido = pedido.dump();
   _REG_DF_FUNCAO_GENERICAPS entrada{};
+  entrada.ulQtdBytes = static_cast<std::uint32_t>(textoPedido.size());
+  entrada.pListaBytes = reinterpret_cast<std::uint8_t*>(textoPedido.data());
   _REG_DF_FUNCAO_GENERICAPS* saida = nullptr;
   r.hrEstatisticas = objeto->FuncaoGenerica(QV_FUNCAO_GENERICA_ESTATISTICAS_USO, entrada, &saida);
   if (SUCCEEDED(r.hrEstatisticas) && saida != nullptr && saida->pListaBytes != nullptr)
@@ -79,6 +85,16 @@ Respostas Pergunta(CQVConexaoZelkorin& conexao, REFCLSID clsid, const QVOpcoesSt
     CoTaskMemFree(saida);
   }
   return r;
+}
+
+// Why an object gave no statistics, or "" when it did.
+std::string SemEstatisticas(const Respostas& r) {
+  if (FAILED(r.hrCria)) return "CriaObjeto " + Status(r.hrCria);
+  if (FAILED(r.hrEstatisticas))
+    return "FuncaoGenerica(" + std::to_string(QV_FUNCAO_GENERICA_ESTATISTICAS_USO) + ") " + Status(r.hrEstatisticas) +
+           " - " + QVGetDescricaoHRESULT(r.hrEstatisticas);
+  if (!r.estatisticas.is_object()) return "a resposta não é um objeto JSON";
+  return {};
 }
 
 nlohmann::json ComoJson(const Respostas& r) {
@@ -122,6 +138,9 @@ void EscreveEstatisticas(const nlohmann::json& j, std::ostream& out) {
                 << std::setw(28) << metodo << std::right << std::setw(7) << codigo << std::setw(10)
                 << c.value("chamadas", 0) << std::setw(10) << c.value("totalMs", 0) << std::setw(8)
                 << c.value("menorMs", 0) << std::setw(8) << c.value("maiorMs", 0) << "\n";
+  if (j.value("truncado", false))
+    out << "(resposta limitada: " << j.value("omitidos", 0)
+        << " dias de empresa mais antigos omitidos; filtre com --estatisticas-empresa ou --estatisticas-dia)\n";
 }
 
 }  // namespace
@@ -138,9 +157,28 @@ int QVComandoServe(const std::string& raiz, QVOpcoesServidor opcoes, std::ostrea
     return 1;
   }
   QVProfilerDefineDiretorioBase(sRaiz);
+  // TCP is checked before anything is served: nothing on the wire
+  // authenticates a client, so an address other machines can reach must be
+  // asked for in so many words.
+  if (!opcoes.sEscuta.empty()) {
+    QVEnderecoTcp endereco;
+    const HRESULT hr = QVEnderecoEscuta(opcoes.sEscuta, &endereco);
+    if (FAILED(hr)) {
+      err << "zelkorin: --listen " << opcoes.sEscuta << ": endereço inválido: " << Status(hr) << " - "
+          << QVGetDescricaoHRESULT(hr) << " (use PORTA, HOST:PORTA, [IPV6]:PORTA ou *:PORTA)\n";
+      return 2;
+    }
+    if (!endereco.bLoopback && !opcoes.bPermiteRemoto) {
+      err << "zelkorin: --listen " << opcoes.sEscuta << " (tcp:" << endereco.sTexto
+          << ") aceitaria conexões de outras máquinas, e nada autentica os clientes; use --allow-remote para "
+             "permitir\n";
+      return 2;
+    }
+  }
   if (opcoes.sSocket.empty()) opcoes.sSocket = QVSocketPadrao(sRaiz);
   opcoes.log = [&err](const std::string& linha) { err << "zelkorin: " << linha << std::endl; };
-  err << "zelkorin " << QVVersaoPrograma() << " (pid " << ::getpid() << "): raiz de dados " << sRaiz << std::endl;
+  err << "zelkorin " << QVVersaoPrograma() << " (pid " << QVCurrentProcessId() << "): raiz de dados " << sRaiz
+      << std::endl;
   HRESULT hr = QV_LOGA(QVRegistraClassesZelkorin());
   if (SUCCEEDED(hr)) hr = QV_LOGA(QVExecutaServidor(opcoes));
   QVRevogaClassesZelkorin();
@@ -168,6 +206,10 @@ int QVComandoStatus(const QVOpcoesStatus& opcoes, std::ostream& out, std::ostrea
   }
   // The statistics read last are the freshest.
   const nlohmann::json& estatisticas = projeto.estatisticas.is_object() ? projeto.estatisticas : atendimento.estatisticas;
+  const std::string semEstatisticas =
+      estatisticas.is_object()
+          ? ""
+          : "QVGE_Atendimento: " + SemEstatisticas(atendimento) + "; QVGE_Projeto: " + SemEstatisticas(projeto);
   if (opcoes.json) {
     nlohmann::json j = {{"servidor", onde},
                         {"QVGE_Atendimento", ComoJson(atendimento)},
@@ -180,6 +222,10 @@ int QVComandoStatus(const QVOpcoesStatus& opcoes, std::ostream& out, std::ostrea
     EscreveTabela("QVGE_Projeto", projeto, out);
     EscreveEstatisticas(estatisticas, out);
   }
+  if (!semEstatisticas.empty()) {
+    err << "zelkorin: o servidor em " << onde << " não deu estatísticas (" << semEstatisticas << ")\n";
+    return 2;
+  }
   return 0;
 }
 
@@ -190,7 +236,25 @@ void QVRegistraComandosServidor(CLI::App& app, int* pCodigoSaida) {
   serve->add_option("--root", *raiz, "Raiz dos dados (padrão: $ZELKORIN_ROOT ou ~/.local/share/zelkorin)");
   serve->add_option("--socket", opServ->sSocket, "Socket Unix, criado com modo 0660 (padrão: RAIZ/zelkorin.sock)");
   serve->add_option("--listen", opServ->sEscuta,
-                    "Também TCP: PORTA (só na interface local) ou HOST:PORTA (desligado por padrão)");
+                    "Também TCP: PORTA (só na interface local), HOST:PORTA, [IPV6]:PORTA ou *:PORTA (desligado por "
+                    "padrão)");
+  serve->add_flag("--allow-remote", opServ->bPermiteRemoto,
+                  "Permite que --listen aceite conexões de outras máquinas (não há autenticação: use um firewall)");
+  serve->add_option("--max-conexoes", opServ->servidor.ulMaxConexoes,
+                    "Conexões abertas ao mesmo tempo; as demais são fechadas ao chegar (padrão: 256)")
+      ->check(CLI::PositiveNumber);
+  serve->add_option("--memoria-mensagens", opServ->servidor.uiOrcamentoBytes,
+                    "Bytes de mensagens recebidas em memória, somando todas as conexões; uma mensagem que não cabe "
+                    "espera (padrão: 536870912)")
+      ->check(CLI::PositiveNumber);
+  serve->add_option("--max-pendentes", opServ->servidor.ulMaxPendentes,
+                    "Chamadas por conexão cujas respostas ainda não saíram; no limite a conexão deixa de ser lida "
+                    "(padrão: 16)")
+      ->check(CLI::PositiveNumber);
+  serve->add_option("--tempo-ocioso-ms", opServ->servidor.ulTempoOciosoMs,
+                    "Silêncio no meio de uma mensagem (ou espera por memória de mensagens) que derruba a conexão "
+                    "(padrão: 30000)")
+      ->check(CLI::PositiveNumber);
   serve->add_option("--max-elementos", opServ->limites.ulMaxElementos, "Limite de elementos por lista recebida")
       ->check(CLI::PositiveNumber);
   serve->add_option("--max-caracteres", opServ->limites.ulMaxCaracteresBstr, "Limite de caracteres por string")
@@ -207,6 +271,8 @@ void QVRegistraComandosServidor(CLI::App& app, int* pCodigoSaida) {
   status->add_option("--empresa", opStatus->empresa, "Empresa da sessão")->check(QVRecusaEmpresaParaRegistro);
   status->add_option("--usuario", opStatus->usuario, "Código do usuário");
   status->add_option("--timeout-ms", opStatus->conexao.ulTempoLimiteMs, "Tempo limite de cada chamada");
+  status->add_option("--estatisticas-empresa", opStatus->estatisticasEmpresa, "Só as estatísticas desta empresa");
+  status->add_option("--estatisticas-dia", opStatus->estatisticasDia, "Só as estatísticas deste dia (AAAA-MM-DD)");
   status->add_flag("--json", opStatus->json, "Saída em JSON");
   status->callback([=] {
     QVOpcoesStatus o = *opStatus;

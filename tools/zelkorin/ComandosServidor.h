@@ -1,9 +1,10 @@
 // The server's commands:
 //
-//   zelkorin serve [--root DIR] [--socket PATH] [--listen [HOST:]PORT] [limits]
+//   zelkorin serve [--root DIR] [--socket PATH] [--listen [HOST:]PORT [--allow-remote]] [limits]
 //       serves both classes until SIGTERM or SIGINT;
-//   zelkorin status [--socket PATH | --connect HOST:PORT] [--empresa E] [--usuario N] [--json]
-//       asks a running server how it is: exit 0 when it answers.
+//   zelkorin status [--socket PATH | --connect HOST:PORT] [--empresa E] [--usuario N]
+//                   [--estatisticas-empresa E] [--estatisticas-dia AAAA-MM-DD] [--json]
+//       asks a running server how it is.
 #pragma once
 
 #include <cstdint>
@@ -22,7 +23,8 @@ std::string QVSocketPadrao(const std::string& raiz);
 
 // Serves from the data root (created when missing) with the classes of this
 // process; lines for the operator go to err. Exit code: 0 after a signal,
-// 1 when the server could not start.
+// 1 when the server could not start, 2 when --listen is not an address or
+// names one other machines can reach without bPermiteRemoto.
 int QVComandoServe(const std::string& raiz, QVOpcoesServidor opcoes, std::ostream& err);
 
 struct QVOpcoesStatus {
@@ -30,7 +32,13 @@ struct QVOpcoesStatus {
   std::string empresa = "EMPRESA_EXEMPLO";
   std::uint32_t usuario = 1;
   bool json = false;
+  // What the statistics are narrowed to: a company, a day "YYYY-MM-DD".
+  std::string estatisticasEmpresa;
+  std::string estatisticasDia;
 };
+// Exit code: 0 when the server answered with its statistics, 1 when no
+// server answered (or it dropped the connection), 2 when it answered
+// without statistics (the reason goes to err).
 int QVComandoStatus(const QVOpcoesStatus& opcoes, std::ostream& out, std::ostream& err);
 
 // Adds "serve" and "status"; the chosen command's exit code goes to

@@ -76,9 +76,15 @@ class CSessao {
     _REG_DF_FUNCAO_GENERICAPS* saida = nullptr;
     const HRESULT hr = obj->FuncaoGenerica(QV_FUNCAO_GENERICA_ESTATISTICAS_USO, entrada, &saida);
     Resposta(classe + ".FuncaoGenerica(" + std::to_string(QV_FUNCAO_GENERICA_ESTATISTICAS_USO) + ")", hr, S_OK);
-    if (SUCCEEDED(hr) && saida != nullptr && saida->pListaBytes != nullptr) {
-      const auto j = nlohmann::json::parse(reinterpret_cast<const char*>(saida->pListaBytes), nullptr, false);
-      std::fprintf(m_Out, "%s\n", j.is_discarded() ? "(JSON inválido)" : j.dump(2).c_str());
+    // A client that asked for the statistics and got none has failed.
+    nlohmann::json j;
+    if (SUCCEEDED(hr) && saida != nullptr && saida->pListaBytes != nullptr)
+      j = nlohmann::json::parse(reinterpret_cast<const char*>(saida->pListaBytes), nullptr, false);
+    if (j.is_object()) {
+      std::fprintf(m_Out, "%s\n", j.dump(2).c_str());
+    } else if (SUCCEEDED(hr)) {
+      std::fprintf(m_Out, "     (sem estatísticas: a resposta não é um objeto JSON)\n");
+      m_bFalhou = true;
     }
     if (saida != nullptr) {
       QVLibera(saida);

@@ -9,8 +9,11 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <csignal>
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <nlohmann/json.hpp>
 #include <sstream>
 
@@ -32,14 +35,24 @@ bool Atende(const std::string& caminho) {
 
 bool SaiuCom(int status, int codigo) { return WIFEXITED(status) && WEXITSTATUS(status) == codigo; }
 
+// How many lines the error logs of a server on that data root hold.
+std::size_t LinhasLog(const std::string& raiz) {
+  std::size_t n = 0;
+  std::error_code ec;
+  for (const auto& e : std::filesystem::directory_iterator(raiz + "/QVProfiler", ec))
+    n += std::count(std::istreambuf_iterator<char>(std::ifstream(e.path()).rdbuf()), {}, '\n');
+  return n;
+}
+
 }  // namespace
 
 TEST(ComandosServidor, ServeSampleStatusESigterm) {
   // The default data root comes from the environment here and is made on
-  // the first start, with the socket inside it.
+  // the first start, with the socket inside it. TCP on every interface is
+  // allowed, with a warning.
   const std::string raiz = QVTesteDiretorio() + "/raiz-padrao";
   ::setenv("ZELKORIN_ROOT", raiz.c_str(), 1);
-  CQVProcessoTeste servidor({"serve"}, ZELKORIN_PROGRAMA);
+  CQVProcessoTeste servidor({"serve", "--listen", "*:0", "--allow-remote"}, ZELKORIN_PROGRAMA);
   ::unsetenv("ZELKORIN_ROOT");
   const std::string socket = QVSocketPadrao(raiz);
   ASSERT_TRUE(QVTesteEsperaQue([&] { return Atende(socket); })) << servidor.Erros();
@@ -69,10 +82,22 @@ TEST(ComandosServidor, ServeSampleStatusESigterm) {
   EXPECT_NE(out.str().find("Servidor em unix:" + socket), std::string::npos) << out.str();
   EXPECT_NE(out.str().find("CQVGE_Atendimento   LePropriedades"), std::string::npos) << out.str();
 
+  // A day that is not one gets no statistics, and the status says so.
+  opcoes.estatisticasDia = "ontem";
+  EXPECT_EQ(QVComandoStatus(opcoes, out, err), 2);
+  EXPECT_NE(err.str().find("não deu estatísticas (QVGE_Atendimento: FuncaoGenerica(9001) 0x80070057 E_INVALIDARG"),
+            std::string::npos)
+      << err.str();
+
+  // A clean stop writes nothing to the error log.
+  const std::size_t linhasLog = LinhasLog(raiz);
   EXPECT_TRUE(SaiuCom(servidor.Termina(SIGTERM), 0));
+  EXPECT_EQ(LinhasLog(raiz), linhasLog);
   const std::string erros = servidor.Erros();
-  for (const char* linha : {"raiz de dados " , "zelkorin: ouvindo unix:", "zelkorin: conexão 1 aberta (unix)",
-                            "zelkorin: conexão 3 encerrada", "zelkorin: sinal SIGTERM", "zelkorin: encerrado"})
+  for (const char* linha : {"raiz de dados ", "zelkorin: ouvindo unix:", "zelkorin: ouvindo tcp:0.0.0.0:0 (porta ",
+                            "zelkorin: aviso: tcp:0.0.0.0:0 aceita conexões de outras máquinas, sem autenticação",
+                            "zelkorin: conexão 1 aberta (unix)", "zelkorin: conexão 3 encerrada",
+                            "zelkorin: sinal SIGTERM", "zelkorin: encerrado"})
     EXPECT_NE(erros.find(linha), std::string::npos) << linha << "\n" << erros;
   EXPECT_FALSE(Atende(socket));
 
@@ -83,17 +108,34 @@ TEST(ComandosServidor, ServeSampleStatusESigterm) {
 }
 
 TEST(ComandosServidor, LinhasDeComandoRuinsNaoIniciamNada) {
-  for (const std::vector<std::string>& args :
-       {std::vector<std::string>{"serve", "--max-elementos", "0"},
-        std::vector<std::string>{"status", "--socket", "a", "--connect", "b:1"},
-        std::vector<std::string>{"sample", "--root", "r", "--socket", "s"}}) {
-    CQVProcessoTeste p(args, ZELKORIN_PROGRAMA);
+  const std::string raiz = QVTesteNovoDiretorio("r");
+  const std::string longo = raiz + "/" + std::string(120, 's') + ".sock";
+  struct Caso {
+    std::vector<std::string> args;
+    int codigo;  // -1: any failure
+    const char* diz;
+  };
+  const Caso casos[] = {
+      {{"serve", "--max-elementos", "0"}, -1, ""},
+      {{"serve", "--tempo-ocioso-ms", "0"}, -1, ""},
+      {{"status", "--socket", "a", "--connect", "b:1"}, -1, ""},
+      {{"sample", "--root", "r", "--socket", "s"}, -1, ""},
+      // Every interface, spelt three ways: refused without --allow-remote.
+      {{"serve", "--root", raiz, "--listen", "0.0.0.0:0"}, 2, "use --allow-remote"},
+      {{"serve", "--root", raiz, "--listen", "*:0"}, 2, "(tcp:0.0.0.0:0) aceitaria conexões de outras máquinas"},
+      {{"serve", "--root", raiz, "--listen", "[::]:0"}, 2, "use --allow-remote"},
+      {{"serve", "--root", raiz, "--listen", "::1:0"}, 2, "endereço inválido"},
+      {{"serve", "--root", raiz, "--listen", "porta"}, 2, "endereço inválido: 0x80070057 E_INVALIDARG"},
+      // A socket path that is a directory, one longer than the system takes.
+      {{"serve", "--root", raiz, "--socket", QVTesteDiretorio()}, 1, "ERROR_FILE_EXISTS"},
+      {{"serve", "--root", raiz, "--socket", longo}, 1, "ERROR_FILENAME_EXCED_RANGE"},
+  };
+  for (const Caso& c : casos) {
+    SCOPED_TRACE(c.args[0] + " " + c.args.back());
+    CQVProcessoTeste p(c.args, ZELKORIN_PROGRAMA);
     const int status = p.Espera();
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) != 0) << args[0] << " " << p.Erros();
+    ASSERT_TRUE(WIFEXITED(status)) << p.Erros();
+    EXPECT_TRUE(c.codigo < 0 ? WEXITSTATUS(status) != 0 : WEXITSTATUS(status) == c.codigo) << p.Erros();
+    EXPECT_NE(p.Erros().find(c.diz), std::string::npos) << p.Erros();
   }
-  // A socket path that is a directory: the server does not start.
-  CQVProcessoTeste p({"serve", "--root", QVTesteNovoDiretorio("r"), "--socket", QVTesteDiretorio()},
-                     ZELKORIN_PROGRAMA);
-  EXPECT_TRUE(SaiuCom(p.Espera(), 1)) << p.Erros();
-  EXPECT_NE(p.Erros().find("o servidor não pôde iniciar"), std::string::npos) << p.Erros();
 }
