@@ -263,6 +263,18 @@ class CQVValoresChamada {
 #define QV_DECLARA_METODO(ctx, slot, nome, ...) \
   virtual HRESULT nome(QV_PP_MAPA(QV_PARAMETRO_DECLARADO, __VA_ARGS__)) = 0;
 
+// X for a table, inside a server class: the business method of the same
+// name that the frame calls, virtual so that tests can stand in for it. In
+// records come by const reference (the frame holds the caller's copy).
+template <class T>
+using QVEntradaServidor = std::conditional_t<std::is_class_v<T>, const T&, T>;
+#define QV_TIPO_SERVIDOR_Ent(T) QVEntradaServidor<T>
+#define QV_TIPO_SERVIDOR_Sai(T) T*
+#define QV_TIPO_SERVIDOR_EntSai(T) T*
+#define QV_PARAMETRO_SERVIDOR(dir, T, nome) QV_TIPO_SERVIDOR_##dir(T) nome
+#define QV_DECLARA_METODO_SERVIDOR(ctx, slot, nome, ...) \
+  virtual HRESULT nome(QV_PP_MAPA(QV_PARAMETRO_SERVIDOR, __VA_ARGS__));
+
 // X for a table, inside a class that implements the interface ctx: the
 // method passes its arguments to this->Executa<QVMetodo<ctx, slot>>(...).
 #define QV_IMPLEMENTA_METODO(ctx, slot, nome, ...)                                                 \

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "ge/zelkorin/ZelkorinRegistros.h"
+#include "ge/zelkorin/ZelkorinInterfaces.h"
 #include "suite/hostlink/CQVBaseParaRotinas.h"
 
 class CGeProjetoBase : public CQVBaseParaRotinas {
@@ -15,10 +15,9 @@ class CGeProjetoBase : public CQVBaseParaRotinas {
   std::uint32_t GetModulo() const override { return QV_GE; }
   const std::string& GetDiretorioDados() const { return m_sDiretorioDados; }
 
-  virtual HRESULT BuscaPonteiros(const _REG_FILTRO_PROJETO_PS& RegFiltro, _REG_PTR_PROJETO_PS* pRegPonteiros);
-  virtual HRESULT BuscaRegistros(const _REG_PTR_PROJETO_PS& RegPonteiros, _REG_LISTA_PROJETOS_PS* pRegLista);
-  virtual HRESULT LeRegistro(std::uint32_t lPtr, _REG_PROJETO_ATENDIMENTO_PS* regps);
-  virtual HRESULT Grava(_REG_PROJETO_ATENDIMENTO_PS* regProjeto);
+  // The business methods, one per line of the interface's table
+  // (ZelkorinInterfaces.h).
+  QV_METODOS_IQVGE_PROJETO(QV_DECLARA_METODO_SERVIDOR, CGeProjetoBase)
 
  protected:
   HRESULT OnInicializa() override;

@@ -68,13 +68,6 @@ HRESULT Eco(A&&... args) {
   return aceito && !Obs().recusa ? S_OK : E_INVALIDARG;
 }
 
-// The server classes take in records by const reference.
-template <class T>
-using EntradaServidor = std::conditional_t<std::is_class_v<T>, const T&, T>;
-#define QV_TIPO_SERVIDOR_Ent(T) EntradaServidor<T>
-#define QV_TIPO_SERVIDOR_Sai(T) T*
-#define QV_TIPO_SERVIDOR_EntSai(T) T*
-#define QV_PARAMETRO_SERVIDOR(dir, T, nome) QV_TIPO_SERVIDOR_##dir(T) nome
 #define QV_ECO(I, slot, nome, ...)                                                                 \
   HRESULT nome(QV_PP_MAPA(QV_PARAMETRO_SERVIDOR, __VA_ARGS__)) override {                          \
     return Eco<QVMetodo<I, slot>>(QV_PP_MAPA(QV_PARAMETRO_ARGUMENTO, __VA_ARGS__));                \
