@@ -51,6 +51,9 @@ class CQVDataBaseControleCriacaoArquivos {
 
  private:
   [[nodiscard]] HRESULT LeLista(std::vector<std::string>* pNomes);
+  // Writes the list to "QVDATABASE_FILE_CTRL.tra" (refused when one is
+  // there: the trace of an interrupted removal, left for an administrator).
+  [[nodiscard]] HRESULT EscreveCopia(const std::vector<std::string>& aRegistrosNew);
 
   IQVFileBase* m_pArquivo = nullptr;
   std::uint32_t m_eModulo = 0;

@@ -154,7 +154,7 @@ TEST_F(QVFileTest, DadosQueNaoSaoRegistrosInteirosRecusamACarga) {
   EXPECT_EQ(QVTesteBytes(Caminho()), antes);
   bool registrado = false;
   for (const std::string& l : QVTesteLinhasErro())
-    registrado |= l.find("CQVFile<REG_TESTE>::OnInicializa") != std::string::npos &&
+    registrado |= l.find("CQVFile<REG_TESTE>::LeConteudo") != std::string::npos &&
                   l.find("GetLength = 33") != std::string::npos;
   EXPECT_TRUE(registrado);
 }
@@ -197,4 +197,33 @@ TEST_F(QVFileTest, DeletaArquivoDeixaOObjetoVivoEVazio) {
   ASSERT_EQ(a->Grava(pos, QVTesteRegistro(1)), S_OK);  // the key is free again
   EXPECT_EQ(pos, 1u);
   EXPECT_EQ(QVTesteBytes(Caminho()).size(), 240u + 32);
+}
+
+// Memory grows from a small block to a mapped one, and a mapped one grows
+// (moved by the kernel or in place): no record is lost or moved to another
+// position on the way, in memory or on disk.
+TEST_F(QVFileTest, MemoriaQueCresceGuardaOsRegistros) {
+  auto lote = [](std::uint32_t primeiro, std::uint32_t n) {
+    std::vector<REG_TESTE> v;
+    for (std::uint32_t c = primeiro; c < primeiro + n; ++c) v.push_back(QVTesteRegistro(c, c * 3));
+    return v;
+  };
+  auto confere = [](CQVFile<REG_TESTE>& f, QVUInt n) {
+    ASSERT_EQ(f.GetQtdRegistros(), n);
+    for (QVUInt p = 1; p <= n; ++p) ASSERT_EQ(f.GetRegistro(p)->lGrupo, p * 3) << p;
+  };
+  CQVFile<REG_TESTE> f("GRANDE.dat", QV_GE);
+  f.SetDiretorio(m_Dir);
+  ASSERT_EQ(f.Inicializa(&QVTesteIdentidade()), S_OK);
+  QVUInt pos = 0;
+  ASSERT_EQ(f.GravaColecao(pos, lote(1, 100)), S_OK);
+  ASSERT_EQ(f.GravaColecao(pos = 0, lote(101, 70000)), S_OK);  // past 2 MB
+  confere(f, 70100);
+  ASSERT_EQ(f.Finaliza(), S_OK);
+  ASSERT_EQ(f.Inicializa(&QVTesteIdentidade()), S_OK);
+  ASSERT_EQ(f.GravaColecao(pos = 0, lote(70101, 20000)), S_OK);  // past the room the load left
+  confere(f, 90100);
+  ASSERT_EQ(f.Finaliza(), S_OK);
+  ASSERT_EQ(f.Inicializa(&QVTesteIdentidade()), S_OK);
+  confere(f, 90100);
 }
