@@ -2,86 +2,54 @@
 
 #include <atomic>
 #include <chrono>
+#include <filesystem>
 #include <fstream>
 #include <map>
 #include <mutex>
-#include <set>
 #include <sstream>
-#include <string>
 #include <thread>
-#include <utility>
-
-namespace {
-
-using Chave = std::pair<std::uint64_t, std::uint64_t>;  // device, inode
-
-bool Falha(int n, int alvo, bool daiEmDiante) { return alvo > 0 && (n == alvo || (daiEmDiante && n > alvo)); }
-
-std::string Conteudo(const std::string& caminho) {
-  std::ifstream in(caminho, std::ios::binary);
-  std::stringstream ss;
-  ss << in.rdbuf();
-  return ss.str();
-}
-
-}  // namespace
 
 struct CQVArquivoFalho::Estado {
   QVPlanoFalhas plano;
-  std::atomic<int> escritas{0};
-  std::atomic<int> flushes{0};
-  std::atomic<int> tamanhos{0};
-  std::atomic<int> aberturas{0};
-  std::atomic<int> falhas{0};
-  std::atomic<int> operacoes{0};
+  std::atomic<int> escritas{0}, flushes{0}, tamanhos{0}, aberturas{0}, falhas{0}, operacoes{0};
   std::atomic<bool> caiu{false};
-  // Per file: what it held at its last flush, where it was last seen, and
-  // whether it was written since.
+  // Per path: what the file held at its last flush (or when first opened),
+  // and whether it was written since.
   std::mutex mutex;
-  std::map<Chave, std::string> duraveis;
-  std::map<Chave, std::string> caminhos;
-  std::set<Chave> sujos;
+  std::map<std::string, std::pair<std::string, bool>> duraveis;
 
+  enum Evento { kAbriu, kEscreveu, kSincronizou };
+  void Registra(const std::string& caminho, Evento e) {
+    std::lock_guard lock(mutex);
+    const auto [it, bNovo] = duraveis.try_emplace(caminho);
+    if (bNovo || e == kSincronizou) {
+      std::stringstream ss;
+      ss << std::ifstream(caminho, std::ios::binary).rdbuf();
+      it->second.first = ss.str();
+    }
+    it->second.second = e == kEscreveu || (e == kAbriu && !bNovo && it->second.second);
+  }
+  // Renames are synced: the file keeps what it held, under its new name.
+  void Renomeia(const std::string& de, const std::string& para) {
+    std::lock_guard lock(mutex);
+    if (auto no = duraveis.extract(de)) duraveis.insert_or_assign(para, std::move(no.mapped()));
+  }
   // One more operation; false when a crash stops it (the crash happens at
   // the planned one).
   bool Conta() {
-    const int n = ++operacoes;
-    if (caiu) return false;
-    if (n != plano.iCrashNaOperacao) return true;
+    if (caiu || ++operacoes != plano.iCrashNaOperacao) return !caiu;
     std::lock_guard lock(mutex);
-    for (const Chave& k : sujos) {
-      QVFileIdentity id;
-      const std::string& caminho = caminhos[k];
-      if (SUCCEEDED(QVGetFileIdentity(caminho, &id)) && id.bExists && Chave{id.uiDevice, id.uiInode} == k)
-        std::ofstream(caminho, std::ios::binary | std::ios::trunc) << duraveis[k];
-    }
+    for (const auto& [caminho, d] : duraveis)
+      if (plano.bCrashPerdeNaoSincronizado && d.second && std::filesystem::exists(caminho))
+        std::ofstream(caminho, std::ios::binary | std::ios::trunc) << d.first;
     caiu = true;
     return false;
-  }
-
-  void Conhece(const Chave& k, const std::string& caminho) {
-    std::lock_guard lock(mutex);
-    caminhos[k] = caminho;
-    if (!duraveis.contains(k)) duraveis[k] = Conteudo(caminho);
-  }
-  void Suja(const Chave& k) {
-    std::lock_guard lock(mutex);
-    sujos.insert(k);
-  }
-  void Duravel(const Chave& k) {
-    std::lock_guard lock(mutex);
-    duraveis[k] = Conteudo(caminhos[k]);
-    sujos.erase(k);
-  }
-  void Renomeia(const std::string& de, const std::string& para) {
-    QVFileIdentity id;
-    if (FAILED(QVGetFileIdentity(de, &id)) || !id.bExists) return;
-    std::lock_guard lock(mutex);
-    caminhos[{id.uiDevice, id.uiInode}] = para;
   }
 };
 
 namespace {
+
+bool Falha(int n, int alvo, bool daiEmDiante) { return alvo > 0 && (n == alvo || (daiEmDiante && n > alvo)); }
 
 class CArquivoFalho final : public IQVOsFile {
  public:
@@ -89,15 +57,10 @@ class CArquivoFalho final : public IQVOsFile {
       : m_Real(QVCreateRealOsFile()), m_Estado(std::move(estado)) {}
 
   bool Open(const std::string& path, std::uint32_t flags) override {
-    const QVPlanoFalhas& p = m_Estado->plano;
-    if (!m_Estado->Conta()) return Injeta();
-    if (Falha(++m_Estado->aberturas, p.iFalharAbertura, p.bFalharDaiEmDiante)) return Injeta();
+    if (!m_Estado->Conta() || Falha(++m_Estado->aberturas, Plano().iFalharAbertura, Plano().bFalharDaiEmDiante))
+      return Injeta();
     if (!Real(m_Real->Open(path, flags))) return false;
-    QVFileIdentity id;
-    if (m_Real->GetIdentity(&id)) {
-      m_Chave = {id.uiDevice, id.uiInode};
-      m_Estado->Conhece(m_Chave, m_Real->Path());
-    }
+    m_Estado->Registra(m_Real->Path(), CQVArquivoFalho::Estado::kAbriu);
     return true;
   }
   void Close() override { m_Real->Close(); }
@@ -113,50 +76,47 @@ class CArquivoFalho final : public IQVOsFile {
   void UnlockContent() override { m_Real->UnlockContent(); }
 
   bool Write(const void* b, std::size_t n) override {
-    const QVPlanoFalhas& p = m_Estado->plano;
     if (!m_Estado->Conta()) return Injeta();
-    m_Estado->Suja(m_Chave);
-    if (Falha(++m_Estado->escritas, p.iFalharEscrita, p.bFalharDaiEmDiante)) {
-      if (p.bEscritaParcial && n > 1) m_Real->Write(b, n / 2);
+    m_Estado->Registra(m_Real->Path(), CQVArquivoFalho::Estado::kEscreveu);
+    if (Falha(++m_Estado->escritas, Plano().iFalharEscrita, Plano().bFalharDaiEmDiante)) {
+      if (Plano().bEscritaParcial && n > 1) m_Real->Write(b, n / 2);
       return Injeta();
     }
     const bool ok = Real(m_Real->Write(b, n));
-    if (p.iPausaAposEscritaMs > 0) std::this_thread::sleep_for(std::chrono::milliseconds(p.iPausaAposEscritaMs));
+    std::this_thread::sleep_for(std::chrono::milliseconds(Plano().iPausaAposEscritaMs));
     return ok;
   }
   bool SetLength(std::uint64_t length) override {
-    const QVPlanoFalhas& p = m_Estado->plano;
     if (!m_Estado->Conta()) return Injeta();
-    m_Estado->Suja(m_Chave);
-    if (Falha(++m_Estado->tamanhos, p.iFalharTamanho, p.bFalharDaiEmDiante)) return Injeta();
+    m_Estado->Registra(m_Real->Path(), CQVArquivoFalho::Estado::kEscreveu);
+    if (Falha(++m_Estado->tamanhos, Plano().iFalharTamanho, Plano().bFalharDaiEmDiante)) return Injeta();
     return Real(m_Real->SetLength(length));
   }
+  // The double decides what a crash keeps: the disk's own sync would only
+  // slow the tests down.
   bool Flush() override {
-    const QVPlanoFalhas& p = m_Estado->plano;
-    if (!m_Estado->Conta()) return Injeta();
-    if (Falha(++m_Estado->flushes, p.iFalharFlush, p.bFalharDaiEmDiante)) return Injeta();
-    // The double decides what a crash keeps: the disk's own sync would only
-    // slow the tests down.
+    if (!m_Estado->Conta() || Falha(++m_Estado->flushes, Plano().iFalharFlush, Plano().bFalharDaiEmDiante))
+      return Injeta();
     if (!m_Real->IsOpen()) return Real(m_Real->Flush());
-    m_Estado->Duravel(m_Chave);
+    m_Estado->Registra(m_Real->Path(), CQVArquivoFalho::Estado::kSincronizou);
     return Real(true);
   }
   std::uint32_t LastError() const override { return m_ulErro; }
 
  private:
+  const QVPlanoFalhas& Plano() const { return m_Estado->plano; }
   bool Real(bool ok) {
     m_ulErro = ok ? 0 : m_Real->LastError();
     return ok;
   }
   bool Injeta() {
     ++m_Estado->falhas;
-    m_ulErro = m_Estado->plano.ulErro;
+    m_ulErro = Plano().ulErro;
     return false;
   }
 
   std::unique_ptr<IQVOsFile> m_Real;
   std::shared_ptr<CQVArquivoFalho::Estado> m_Estado;
-  Chave m_Chave{};
   std::uint32_t m_ulErro = 0;
 };
 

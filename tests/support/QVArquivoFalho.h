@@ -7,13 +7,14 @@
 //
 // A crash at operation N (opens, writes, length changes, flushes, renames
 // and deletions, counted together in the order they happen): operation N
-// and every later one fail, as if the process had died there, and every
-// file returns to what it held at its last flush (or when the double first
-// saw it opened): what was written since is lost, as after a power cut.
-// Renames and deletions made before the crash stay made (the platform syncs
-// their directory). Reads still work: the code's clean-up after the failure
-// runs, but changes nothing on disk. The test then destroys the objects that
-// used the double, uninstalls it, and opens the files again.
+// and every later one fail, as if the process had died there. What was
+// written before stays, as when a process dies; or, as after a power cut,
+// every file returns to what it held at its last flush (or when the double
+// first saw it opened). Renames and deletions made before the crash stay
+// made (the platform syncs their directory). Reads still work: the code's
+// clean-up after the failure runs, but changes nothing on disk. The test
+// then destroys the objects that used the double, uninstalls it, and opens
+// the files again.
 #pragma once
 
 #include <cstdint>
@@ -30,6 +31,7 @@ struct QVPlanoFalhas {
   bool bFalharDaiEmDiante = false;  // every operation of that kind after the first failure fails too
   std::uint32_t ulErro = ERROR_DISK_FULL;
   int iCrashNaOperacao = 0;  // 1-based; 0 = no crash
+  bool bCrashPerdeNaoSincronizado = false;  // a power cut rather than a process's death
   // Every write waits this long after writing (a slow disk, whose writes
   // another process may look at half done).
   int iPausaAposEscritaMs = 0;

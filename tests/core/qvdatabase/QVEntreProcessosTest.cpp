@@ -9,13 +9,8 @@
 #include <random>
 #include <thread>
 
-#include "core/qvdatabase/CQVDataBase.h"
-#include "core/qvdatabase/QVFile.h"
-#include "core/qvdatabase/QVGroupFile.h"
-#include "core/qvdatabase/QVTextFile.h"
 #include "df/qvlibex/QVCodigos.h"
 #include "df/qvlibex/QVDatas.h"
-#include "suite/hostlink/QVSessaoSuite.h"
 #include "tests/support/QVArquivoFalho.h"
 #include "tests/support/QVProcessoFilho.h"
 #include "tests/support/QVTestSupport.h"
@@ -23,40 +18,9 @@
 
 namespace {
 
-std::uint64_t ChaveCodigo(const REG_TESTE& r, QVUInt) { return r.lCodigo; }
 const HRESULT kOcupado = HRESULT_FROM_WIN32(ERROR_SHARING_VIOLATION);
 const std::uint64_t kMes = QVMesAno(2020, 1);
-
-// A process's view of one directory: a database of its own per file.
-class CProcesso {
- public:
-  explicit CProcesso(std::string dir, bool bSomenteLeitura = false)
-      : m_Dir(std::move(dir)), m_bSomenteLeitura(bSomenteLeitura) {}
-
-  std::unique_ptr<CQVFile<REG_TESTE>> Registros() { return Inicializa(std::make_unique<CQVFile<REG_TESTE>>(
-      "GEATRPS.dat", QV_GE, std::initializer_list<CQVFile<REG_TESTE>::Indice>{{&ChaveCodigo, false, false}})); }
-  std::unique_ptr<CQVTextFile> Textos() { return Inicializa(std::make_unique<CQVTextFile>("GeAtDsDe.dat", QV_GE)); }
-  std::unique_ptr<CQVGroupFile<REG_TESTE>> Meses() {
-    return Inicializa(std::make_unique<CQVGroupFile<REG_TESTE>>("GEATTPINT??????.DAT", QV_GE,
-                                                                std::initializer_list<CQVFile<REG_TESTE>::Indice>{
-                                                                    {&ChaveCodigo, false, false}}));
-  }
-  HRESULT m_hr = S_OK;
-
- private:
-  template <class F>
-  std::unique_ptr<F> Inicializa(std::unique_ptr<F> f) {
-    auto& db = m_DBs.emplace_back(std::make_unique<CQVDataBase>(QV_GE));
-    db->SetDiretorio(m_Dir);
-    db->SetSomenteLeitura(m_bSomenteLeitura);
-    EXPECT_EQ(db->Inicializa(&QVTesteIdentidade()), S_OK);
-    m_hr = f->Inicializa(db.get());
-    return f;
-  }
-  std::string m_Dir;
-  bool m_bSomenteLeitura;
-  std::vector<std::unique_ptr<CQVDataBase>> m_DBs;
-};
+using CProcesso = CQVTestePasta;
 
 class QVEntreProcessosTest : public ::testing::Test {
  protected:
@@ -67,12 +31,6 @@ class QVEntreProcessosTest : public ::testing::Test {
     CQVFileBase::DefineTentativasAbertura(2, 1);
   }
   void TearDown() override { CQVFileBase::DefineTentativasAbertura(500, 10); }
-
-  std::vector<std::uint32_t> Codigos(CQVFile<REG_TESTE>& f) {
-    std::vector<std::uint32_t> c;
-    for (QVUInt p = 1; p <= f.GetQtdRegistros(); ++p) c.push_back(f.GetRegistro(p)->lCodigo);
-    return c;
-  }
 
   std::string m_Dir;
 };
@@ -114,7 +72,7 @@ TEST_F(QVEntreProcessosTest, RegistrosDoOutroProcessoSaoVistosAntesDeLerEDeGrava
   EXPECT_EQ(pos, 3u);  // at the end of the file as it is on disk
   EXPECT_EQ(outro.Pede(8), kOcupado);  // held now: the other process is refused
   f.reset();
-  EXPECT_EQ(Codigos(*a.Registros()), (std::vector<std::uint32_t>{5, 6, 7}));
+  EXPECT_EQ(a.Codigos(), (std::vector<std::uint32_t>{5, 6, 7}));
 
   // A read-only process holds the file open for reading: the other process
   // appends and rewrites in place (same length, same time of change or not),
@@ -122,7 +80,8 @@ TEST_F(QVEntreProcessosTest, RegistrosDoOutroProcessoSaoVistosAntesDeLerEDeGrava
   CProcesso leitor(m_Dir, true);
   auto r = leitor.Registros();
   ASSERT_EQ(outro.Pede(9), S_OK);
-  EXPECT_EQ(Codigos(*r), (std::vector<std::uint32_t>{5, 6, 7, 9}));
+  ASSERT_EQ(r->GetQtdRegistros(), 4u);
+  EXPECT_EQ(r->GetRegistro(4)->lCodigo, 9u);
   ASSERT_EQ(outro.Pede(-5), S_OK);
   EXPECT_STREQ(r->GetRegistro(1)->szNome, "reescrito");
 }
@@ -156,20 +115,17 @@ TEST_F(QVEntreProcessosTest, TextosDoOutroProcessoNaoSaoSobrescritos) {
   // A compaction while another process has the file open fails, the old
   // file and memory as they were, and succeeds once it is closed.
   ASSERT_EQ(outro.Pede(2), S_OK);
-  const std::string antes = QVTesteBytes(m_Dir + "/GeAtDsDe.dat");
+  const std::string antes = QVTesteBytes(a.Caminho("GeAtDsDe.dat"));
   EXPECT_EQ(t->Grava(pos = 1, "a"), kOcupado);
-  EXPECT_EQ(QVTesteBytes(m_Dir + "/GeAtDsDe.dat"), antes);
-  EXPECT_FALSE(std::filesystem::exists(m_Dir + "/GeAtDsDe.tra"));
+  EXPECT_EQ(QVTesteBytes(a.Caminho("GeAtDsDe.dat")), antes);
+  EXPECT_FALSE(std::filesystem::exists(a.Caminho("GeAtDsDe.tra")));
   std::string s;
   ASSERT_EQ(t->Le(1, &s), S_OK);
   EXPECT_EQ(s, "alfa");
   ASSERT_EQ(outro.Pede(3), S_OK);
   ASSERT_EQ(t->Grava(pos = 1, "a"), S_OK);
   t.reset();
-  t = a.Textos();
-  std::vector<std::string> textos;
-  for (const auto& e : *t->GetPtrRegistros()) textos.push_back(e.sTexto);
-  EXPECT_EQ(textos, (std::vector<std::string>{"a", "beta", "gama"}));
+  EXPECT_EQ(a.TextosNoDisco(), (std::vector<std::string>{"a", "beta", "gama"}));
 }
 
 TEST_F(QVEntreProcessosTest, MesCriadoPeloOutroProcessoEntraNoGrupo) {
@@ -220,11 +176,8 @@ TEST_F(QVEntreProcessosTest, LeitorNuncaVeEscritaPelaMetade) {
     }
     return S_OK;
   });
-  {
-    CProcesso a(m_Dir);
-    QVUInt pos = 0;
-    ASSERT_EQ(a.Registros()->Grava(pos, QVTesteRegistro(1000, 7000)), S_OK);
-  }
+  QVUInt pos = 0;
+  ASSERT_EQ(CProcesso(m_Dir).Registros()->Grava(pos, QVTesteRegistro(1000, 7000)), S_OK);
   ASSERT_TRUE(escritor.Envia(kRegistros));
   CProcesso leitor(m_Dir, true);
   auto f = leitor.Registros();
@@ -250,13 +203,10 @@ TEST_F(QVEntreProcessosTest, CompactacaoMortaNoMeioDeixaOArquivoInteiro) {
   constexpr int kTextos = 8;
   constexpr int kComprimento = 400;  // each write shortens one text by one character
   auto texto = [](int p, int versao) { return std::string(kComprimento - versao, static_cast<char>('a' + p)); };
-  {
-    CProcesso a(m_Dir);
-    std::vector<std::string> textos;
-    for (int p = 0; p < kTextos; ++p) textos.push_back(texto(p, 0));
-    QVUInt pos = 0;
-    ASSERT_EQ(a.Textos()->GravaColecao(pos, textos), S_OK);
-  }
+  std::vector<std::string> iniciais;
+  for (int p = 0; p < kTextos; ++p) iniciais.push_back(texto(p, 0));
+  QVUInt pos = 0;
+  ASSERT_EQ(CProcesso(m_Dir).Textos()->GravaColecao(pos, iniciais), S_OK);
   std::vector<int> versoes(kTextos, 0);  // acknowledged, per position
   std::mt19937 gerador(20240601);
   int iNoMeio = 0;
@@ -264,13 +214,12 @@ TEST_F(QVEntreProcessosTest, CompactacaoMortaNoMeioDeixaOArquivoInteiro) {
     // The child publishes position * 1000 + version after each write it was
     // told succeeded.
     CQVProcessoFilho filho([&, dir = m_Dir](std::int32_t) -> std::int32_t {
-      CQVFileBase::DefineTentativasAbertura(500, 10);
       CProcesso b(dir);
       auto t = b.Textos();
       for (int i = 0;; ++i) {
         const int p = i % kTextos;
-        QVUInt pos = p + 1;
-        if (FAILED(t->Grava(pos, texto(p, versoes[p] + 1)))) return -1;
+        QVUInt posicao = p + 1;
+        if (FAILED(t->Grava(posicao, texto(p, versoes[p] + 1)))) return -1;
         CQVProcessoFilho::Publica(p * 1000 + ++versoes[p]);
       }
     });
@@ -280,16 +229,12 @@ TEST_F(QVEntreProcessosTest, CompactacaoMortaNoMeioDeixaOArquivoInteiro) {
     for (std::int32_t r; (r = filho.Resposta()) >= 0;) versoes[r / 1000] = r % 1000;
     iNoMeio += std::filesystem::exists(m_Dir + "/GeAtDsDe.tra");
 
-    CProcesso a(m_Dir);
-    auto t = a.Textos();
-    ASSERT_EQ(a.m_hr, S_OK) << "volta " << volta;
-    ASSERT_EQ(t->GetQtdRegistros(), static_cast<QVUInt>(kTextos));
+    const std::vector<std::string> textos = CProcesso(m_Dir).TextosNoDisco();
+    ASSERT_EQ(textos.size(), static_cast<std::size_t>(kTextos)) << "volta " << volta;
     for (int p = 0; p < kTextos; ++p) {
-      std::string s;
-      ASSERT_EQ(t->Le(p + 1, &s), S_OK);
-      const int versao = kComprimento - static_cast<int>(s.size());
+      const int versao = kComprimento - static_cast<int>(textos[p].size());
       ASSERT_TRUE(versao == versoes[p] || versao == versoes[p] + 1) << "volta " << volta << " texto " << p;
-      ASSERT_EQ(s, texto(p, versao));
+      ASSERT_EQ(textos[p], texto(p, versao));
       versoes[p] = versao;
     }
   }
