@@ -72,13 +72,13 @@ HRESULT CQVDataBaseControleCriacaoArquivos::RemoveControleCriacaoArquivos(const 
   // A copy found there is another's trace and stays.
   if (hr == E_QVCR_ARQUIVO_TRA_ENCONTRADO) return hr;
   if (SUCCEEDED(hr))
-    hr = QV_LOGA(CQVDataBaseUtil::RenomeiaArquivoTRA(m_pArquivo, m_eModulo, QVDATABASE_NOME_ARQUIVO_CONTROLE_CRIACAO_ARQUIVOS));
+    hr = QV_LOGA(
+        CQVDataBaseUtil::RenomeiaArquivoTRA(m_pArquivo, m_eModulo, QVDATABASE_NOME_ARQUIVO_CONTROLE_CRIACAO_ARQUIVOS));
   if (FAILED(hr)) {
     // The copy this removal made would stop every later one: it goes (a
     // failure to delete it is logged; the first failure is the answer).
-    QV_LOGA(CQVDataBaseUtil::DeletaArquivo(m_pArquivo, m_eModulo,
-                                           CQVDataBaseUtil::NomeArquivoTRA(QVDATABASE_NOME_ARQUIVO_CONTROLE_CRIACAO_ARQUIVOS),
-                                           EQVDataBase_DeletaArquivoFlag::eNenhum));
+    const std::string sCopia = CQVDataBaseUtil::NomeArquivoTRA(QVDATABASE_NOME_ARQUIVO_CONTROLE_CRIACAO_ARQUIVOS);
+    QV_LOGA(CQVDataBaseUtil::DeletaArquivo(m_pArquivo, m_eModulo, sCopia, EQVDataBase_DeletaArquivoFlag::eNenhum));
   }
   return hr;
 }

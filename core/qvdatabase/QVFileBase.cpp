@@ -423,7 +423,8 @@ HRESULT CQVFileBase::CriaCabecalho() {
   if (uiTamanho == 0) {
     HRESULT hr = GravaAbsoluto(0, bloco, sizeof bloco);
     if (SUCCEEDED(hr) && !m_pArquivo->Flush()) hr = CatchInicializacao(ExcecaoDoArquivo(CFileException::hardIO));
-    FimDaEscrita();
+    if (SUCCEEDED(hr)) m_bSujo = false;
+    LiberaTravaExclusiva();
     if (FAILED(hr)) {
       m_bCabecalhoExaminado = false;
       LogaFalha(__func__, __LINE__, "GravaAbsoluto(0, bloco, sizeof bloco)", hr);
@@ -579,7 +580,7 @@ HRESULT CQVFileBase::Flush(bool bFinal) {
   if (FAILED(m_hrDuvida)) {
     // A file in doubt keeps its old header: see invariant 3.
     m_pArquivo->Flush();
-    FimDaEscrita();
+    LiberaTravaExclusiva();
     return m_hrDuvida;
   }
   const bool bAdiado = m_pDataBase != nullptr && m_pDataBase->GetAtualizacaoCabecalhoAdiada();
@@ -596,10 +597,7 @@ HRESULT CQVFileBase::Flush(bool bFinal) {
   }
   // Data and header are on disk (or the write failed and will be rolled
   // back under a new lock): readers may look again.
-  if (m_bTravaExclusiva) {
-    m_pArquivo->UnlockContent();
-    m_bTravaExclusiva = false;
-  }
+  LiberaTravaExclusiva();
   return hr;
 }
 
@@ -729,8 +727,7 @@ void CQVFileBase::LiberaConteudo() {
   if (ArquivoAberto()) m_pArquivo->UnlockContent();
 }
 
-void CQVFileBase::FimDaEscrita() {
-  m_bSujo = false;
+void CQVFileBase::LiberaTravaExclusiva() {
   if (m_bTravaExclusiva) LiberaConteudo();
   m_bTravaExclusiva = false;
 }
@@ -803,19 +800,27 @@ HRESULT CQVFileBase::LeDoDisco() {
 }
 
 HRESULT CQVFileBase::Carrega() {
-  if (!m_bCargaSemReter) {
-    QV_CHECK_ARQ(AbreArquivo(EQVDataBase_ModoAbertura::eModoLeituraGravacao));
-    QV_CHECK_ARQ(LeDoDisco());
+  if (m_bCargaSemReter) {
+    QV_CHECK_ARQ(CarregaSemReter());
     return S_OK;
   }
-  // Read as a reader does, then closed: the mode of later opens is kept.
+  QV_CHECK_ARQ(AbreArquivo(EQVDataBase_ModoAbertura::eModoLeituraGravacao));
+  QV_CHECK_ARQ(LeDoDisco());
+  return S_OK;
+}
+
+HRESULT CQVFileBase::CarregaSemReter() {
+  // Opened for reading only and closed again; the mode later opens reuse
+  // stays the one asked for before.
   const EQVDataBase_ModoAbertura eUltimo = m_eUltimoModo;
   HRESULT hr = AbreArquivo(EQVDataBase_ModoAbertura::eModoLeitura);
-  if (SUCCEEDED(hr)) hr = LeDoDisco();
+  if (FAILED(hr))
+    LogaFalha(__func__, __LINE__, "AbreArquivo(EQVDataBase_ModoAbertura::eModoLeitura)", hr);
+  else if (FAILED(hr = LeDoDisco()))
+    LogaFalha(__func__, __LINE__, "LeDoDisco()", hr);
   FechaArquivo();
   m_eUltimoModo = eUltimo;
-  QV_CHECK_ARQ(hr);
-  return S_OK;
+  return hr;
 }
 
 HRESULT CQVFileBase::SincronizaLeitura() {
@@ -834,12 +839,8 @@ HRESULT CQVFileBase::SincronizaLeitura() {
     return S_OK;
   }
   // Not open here: read without holding it (a read never takes the place
-  // of another process's writer), and closed again.
-  const bool bCargaSemReter = m_bCargaSemReter;
-  m_bCargaSemReter = true;
-  const HRESULT hr = Carrega();
-  m_bCargaSemReter = bCargaSemReter;
-  QV_CHECK_ARQ(hr);
+  // of another process's writer).
+  QV_CHECK_ARQ(CarregaSemReter());
   return S_OK;
 }
 

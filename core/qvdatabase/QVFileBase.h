@@ -223,13 +223,14 @@ class CQVFileBase : public IQVFileBase {
   [[nodiscard]] HRESULT SubstituiPorCopia(const unsigned char* pBloco, std::size_t nBloco, const void* pDados,
                                           QVUInt uiTamanho, bool bRecusaCopiaExistente, bool* pbSubstituido);
   [[nodiscard]] HRESULT LeDoDisco();
+  [[nodiscard]] HRESULT CarregaSemReter();
   [[nodiscard]] HRESULT TiraRetrato();
   [[nodiscard]] HRESULT DiscoMudou(bool* pbMudou);
   [[nodiscard]] HRESULT LeContadores(std::uint64_t* puiContador, std::uint16_t* pusVoltas);
   [[nodiscard]] HRESULT TravaConteudo(bool bExclusiva);
   void LiberaConteudo();
-  // The end of a write: nothing is pending and the exclusive content lock goes.
-  void FimDaEscrita();
+  // The end of a write (its flush): readers may look again.
+  void LiberaTravaExclusiva();
   [[nodiscard]] HRESULT LeAbsoluto(QVUInt uiOffset, void* pBuffer, std::size_t n);
   [[nodiscard]] HRESULT GravaAbsoluto(QVUInt uiOffset, const void* pBuffer, std::size_t n);
   [[nodiscard]] HRESULT TamanhoArquivo(QVUInt* puiTamanho);
@@ -249,6 +250,7 @@ class CQVFileBase : public IQVFileBase {
   // Bytes were written since the last sync: a flush of a file that was only
   // read costs no fdatasync.
   bool m_bSujo = false;
+  // The content lock is held exclusively for a write in progress.
   bool m_bTravaExclusiva = false;
   bool m_bCargaSemReter = false;
   // What memory reflects (invariant 5); an absent file's is all zero.

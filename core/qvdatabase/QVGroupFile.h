@@ -28,7 +28,8 @@ class CQVGroupFile : public CQVGroupFileBase {
 
   [[nodiscard]] HRESULT Le(std::uint64_t uiChaveNomeArquivo, QVUInt uiPosicao, T* pRegistro) {
     CQVFileBase* pMembro = nullptr;
-    QV_CHECK_ARQ(ProcuraMembro(uiChaveNomeArquivo, &pMembro), {"uiChaveNomeArquivo", std::to_string(uiChaveNomeArquivo)});
+    QV_CHECK_ARQ(ProcuraMembro(uiChaveNomeArquivo, &pMembro),
+                 {"uiChaveNomeArquivo", std::to_string(uiChaveNomeArquivo)});
     auto* p = static_cast<CQVFile<T>*>(pMembro);
     if (p == nullptr)
       QV_RETURN_ARQ(E_QVCR_ARQUIVO_NAO_EXISTE, {"uiChaveNomeArquivo", std::to_string(uiChaveNomeArquivo)});
@@ -42,7 +43,8 @@ class CQVGroupFile : public CQVGroupFileBase {
     *pbExiste = false;
     *puiPosicaoIndex = 0;
     CQVFileBase* pMembro = nullptr;
-    QV_CHECK_ARQ(ProcuraMembro(uiChaveNomeArquivo, &pMembro), {"uiChaveNomeArquivo", std::to_string(uiChaveNomeArquivo)});
+    QV_CHECK_ARQ(ProcuraMembro(uiChaveNomeArquivo, &pMembro),
+                 {"uiChaveNomeArquivo", std::to_string(uiChaveNomeArquivo)});
     auto* p = static_cast<CQVFile<T>*>(pMembro);
     if (p == nullptr) return S_OK;
     QV_CHECK_ARQ(p->ExisteIndex(uiColunaIndexacao, uiChave, pbExiste, puiPosicaoIndex),

@@ -271,4 +271,5 @@ TEST_P(QVCrashTest, DeixaOArquivoAntigoOuONovo) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Reescritas, QVCrashTest, ::testing::Combine(::testing::ValuesIn(kReescritas), ::testing::Bool()));
+INSTANTIATE_TEST_SUITE_P(Reescritas, QVCrashTest,
+                         ::testing::Combine(::testing::ValuesIn(kReescritas), ::testing::Bool()));
