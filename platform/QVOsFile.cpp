@@ -7,10 +7,12 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstring>
 #include <limits>
 #include <mutex>
 #include <optional>
+#include <thread>
 
 namespace {
 
@@ -25,6 +27,7 @@ namespace {
 //   kAccessWrite   held by every handle that writes
 //   kDenyRead      held by every handle that denies reading to others
 //   kDenyWrite     held by every handle that denies writing to others
+//   kContent       the content lock (LockContent): not a sharing byte
 //
 // An open takes the gate, looks for a conflicting holder of the opposite
 // bytes (its access against their denies, its denies against their access),
@@ -47,6 +50,12 @@ constexpr off_t kAccessWrite = kLockBase + 2;
 constexpr off_t kDenyRead = kLockBase + 3;
 constexpr off_t kDenyWrite = kLockBase + 4;
 constexpr off_t kLockCount = 5;
+// After the sharing bytes: "is it open?" (InUse) never looks at it.
+constexpr off_t kContent = kLockBase + kLockCount;
+// New files and directories: the owner reads and writes, the owner's group
+// reads, nobody else.
+constexpr mode_t kFileMode = 0640;
+constexpr mode_t kDirectoryMode = 0750;
 // How many times an open tries again when its file was deleted under it.
 constexpr int kMaxReaberturas = 100;
 
@@ -156,6 +165,36 @@ std::uint32_t TakeSharing(int fd, const OpenMode& m, bool writableFd) {
   }
   SetLock(fd, F_UNLCK, kGate, false);
   return err;
+}
+
+QVFileIdentity IdentityOf(const struct stat& st) {
+  QVFileIdentity id;
+  id.bExists = true;
+  id.uiDevice = static_cast<std::uint64_t>(st.st_dev);
+  id.uiInode = static_cast<std::uint64_t>(st.st_ino);
+  id.uiLength = static_cast<std::uint64_t>(st.st_size);
+  id.iModifiedNs = static_cast<std::int64_t>(st.st_mtim.tv_sec) * 1000000000 + st.st_mtim.tv_nsec;
+  return id;
+}
+
+struct NameHookSlot {
+  std::mutex mutex;
+  QVOsNameHook hook;
+};
+
+NameHookSlot& NameHook() {
+  static NameHookSlot slot;
+  return slot;
+}
+
+// 0, or the error the test hook gives the operation.
+std::uint32_t AskNameHook(const std::string& from, const std::string& to) {
+  QVOsNameHook hook;
+  {
+    std::lock_guard lock(NameHook().mutex);
+    hook = NameHook().hook;
+  }
+  return hook ? hook(from, to) : 0;
 }
 
 // ---- names -------------------------------------------------------------------
@@ -289,7 +328,7 @@ class CQVRealOsFile final : public IQVOsFile {
     // A file deleted (or replaced) between our open and our sharing check is
     // no longer the file of that name: open the name again.
     for (int tentativa = 0; tentativa < kMaxReaberturas; ++tentativa) {
-      fd = OpenRetrying(resolved.c_str(), oflags, 0644);
+      fd = OpenRetrying(resolved.c_str(), oflags, kFileMode);
       if (fd < 0) return Fail(ErrorForPath(errno, resolved));
       err = 0;
       struct stat st {};
@@ -437,6 +476,34 @@ class CQVRealOsFile final : public IQVOsFile {
     return true;
   }
 
+  bool GetIdentity(QVFileIdentity* pIdentity) override {
+    if (fd_ < 0) return Fail(ERROR_INVALID_HANDLE);
+    struct stat st {};
+    if (::fstat(fd_, &st) != 0) return Fail(QVWin32ErrorFromErrno(errno));
+    *pIdentity = IdentityOf(st);
+    return true;
+  }
+
+  // Polled rather than waited for in the kernel: a bounded wait, and no
+  // deadlock between processes that the kernel would not see (it does not
+  // detect them for these locks).
+  bool LockContent(bool bExclusive, std::uint32_t ulWaitMs) override {
+    if (fd_ < 0) return Fail(ERROR_INVALID_HANDLE);
+    if (bExclusive && !canWrite_) return Fail(ERROR_ACCESS_DENIED);
+    const auto limite = std::chrono::steady_clock::now() + std::chrono::milliseconds(ulWaitMs);
+    for (;;) {
+      const int e = SetLock(fd_, bExclusive ? F_WRLCK : F_RDLCK, kContent, false);
+      if (e == 0) return true;
+      if (e != EAGAIN && e != EACCES) return Fail(QVWin32ErrorFromErrno(e));
+      if (std::chrono::steady_clock::now() >= limite) return Fail(ERROR_LOCK_VIOLATION);
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+  }
+
+  void UnlockContent() override {
+    if (fd_ >= 0) SetLock(fd_, F_UNLCK, kContent, false);
+  }
+
   std::uint32_t LastError() const override { return lastError_; }
 
  private:
@@ -482,6 +549,11 @@ void QVSetOsFileFactory(QVOsFileFactory factory) {
   Slot().factory = std::move(factory);
 }
 
+void QVSetOsNameHook(QVOsNameHook hook) {
+  std::lock_guard lock(NameHook().mutex);
+  NameHook().hook = std::move(hook);
+}
+
 std::unique_ptr<IQVOsFile> QVCreateRealOsFile() { return std::make_unique<CQVRealOsFile>(); }
 
 std::string QVResolvePathCase(const std::string& path) {
@@ -508,7 +580,20 @@ bool QVFileExists(const std::string& path) {
   return ::stat(QVResolvePathCase(path).c_str(), &st) == 0 && S_ISREG(st.st_mode);
 }
 
+HRESULT QVGetFileIdentity(const std::string& path, QVFileIdentity* pIdentity) {
+  *pIdentity = QVFileIdentity{};
+  const std::string resolved = QVResolvePathCase(path);
+  struct stat st {};
+  if (::stat(resolved.c_str(), &st) != 0) {
+    const std::uint32_t err = ErrorForPath(errno, resolved);
+    return err == ERROR_FILE_NOT_FOUND || err == ERROR_PATH_NOT_FOUND ? S_OK : HRESULT_FROM_WIN32(err);
+  }
+  if (S_ISREG(st.st_mode)) *pIdentity = IdentityOf(st);
+  return S_OK;
+}
+
 HRESULT QVDeleteFile(const std::string& path) {
+  if (const std::uint32_t err = AskNameHook(path, {}); err != 0) return HRESULT_FROM_WIN32(err);
   const std::string resolved = QVResolvePathCase(path);
   struct stat st {};
   if (::lstat(resolved.c_str(), &st) != 0) return HrForPath(errno, resolved);
@@ -522,6 +607,7 @@ HRESULT QVDeleteFile(const std::string& path) {
 }
 
 HRESULT QVMoveFile(const std::string& from, const std::string& to) {
+  if (const std::uint32_t err = AskNameHook(from, to); err != 0) return HRESULT_FROM_WIN32(err);
   const std::string source = QVResolvePathCase(from);
   const std::string target = QVResolvePathCase(to);
   struct stat src {};
@@ -616,7 +702,7 @@ HRESULT QVCreateDirectories(const std::string& dir) {
     const std::string current = dir.substr(0, end);
     pos = end + 1;
     if (end == 0 || dir[end - 1] == '/') continue;  // the root, or a doubled slash
-    if (::mkdir(current.c_str(), 0755) == 0) {
+    if (::mkdir(current.c_str(), kDirectoryMode) == 0) {
       // The new entry is durable only once its parent is synced.
       if (const HRESULT hr = QVSyncDirectory(DirectoryOf(current)); FAILED(hr)) return hr;
       continue;

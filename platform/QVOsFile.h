@@ -17,7 +17,17 @@
 //    opening such a file for writing is refused with ERROR_ACCESS_DENIED,
 //    whoever the process runs as.
 //  - Flush reaches the disk (fdatasync); a rename or a delete is made
-//    durable by syncing the directory.
+//    durable by syncing the directory. A file an open creates is durable in
+//    its directory once the caller syncs it (QVSyncDirectory): data files
+//    need that, lock files do not.
+//  - Files are created readable and writable by their owner and readable by
+//    the owner's group (0640); directories 0750. Company data is nobody
+//    else's to read.
+//  - Besides the sharing, each file has one content lock, shared or
+//    exclusive, on a reserved byte of its own (LockContent): writers hold it
+//    exclusively while they change data and header, readers of a file that
+//    another process may be writing hold it shared while they read. It does
+//    not count as having the file open (a rename or delete ignores it).
 // Failures report a Win32 error number (LastError), as the platform's file
 // functions do; 0 means none.
 #pragma once
@@ -29,6 +39,18 @@
 #include <vector>
 
 #include "platform/QVHResult.h"
+
+// What tells one state of a file from another without reading it: which
+// file (device and inode: a rename that replaces it changes them), its length
+// and the time of its last change of content (nanoseconds).
+struct QVFileIdentity {
+  bool bExists = false;
+  std::uint64_t uiDevice = 0;
+  std::uint64_t uiInode = 0;
+  std::uint64_t uiLength = 0;
+  std::int64_t iModifiedNs = 0;
+  bool operator==(const QVFileIdentity&) const = default;
+};
 
 // Open flags (combine one access, one sharing and the creation flags).
 inline constexpr std::uint32_t QVFILE_MODE_READ = 0x0000;
@@ -69,6 +91,14 @@ class IQVOsFile {
   virtual bool SetLength(std::uint64_t length) = 0;
   // Data and length reach the disk.
   virtual bool Flush() = 0;
+  // The identity of the open file.
+  virtual bool GetIdentity(QVFileIdentity* pIdentity) = 0;
+  // Takes the content lock, waiting up to ulWaitMs while another handle (of
+  // any process, or another handle of this one) holds it in a conflicting
+  // way; then fails with ERROR_LOCK_VIOLATION. Exclusive needs write access.
+  // Taking it again converts it. Closing the file releases it.
+  virtual bool LockContent(bool bExclusive, std::uint32_t ulWaitMs) = 0;
+  virtual void UnlockContent() = 0;
 
   // The Win32 error number of the last failed operation.
   virtual std::uint32_t LastError() const = 0;
@@ -94,6 +124,8 @@ std::unique_ptr<IQVOsFile> QVCreateRealOsFile();
 std::string QVResolvePathCase(const std::string& path);
 // Whether a file (not a directory) exists at the path, resolved as above.
 bool QVFileExists(const std::string& path);
+// The identity of the file at the path (bExists false when there is none).
+[[nodiscard]] HRESULT QVGetFileIdentity(const std::string& path, QVFileIdentity* pIdentity);
 [[nodiscard]] HRESULT QVDeleteFile(const std::string& path);
 // Renames, replacing an existing destination; both names resolved as above
 // (a destination that differs only in case is the same file: the rename
@@ -106,6 +138,13 @@ bool QVIsReadOnly(const std::string& path);
 [[nodiscard]] HRESULT QVCreateDirectories(const std::string& dir);
 // Makes a directory's entries (creations, renames, deletions) durable.
 [[nodiscard]] HRESULT QVSyncDirectory(const std::string& dir);
+
+// Tests: a function asked before every rename (to not empty) and every
+// deletion (to empty) with the names given; a non-zero Win32 error it returns
+// fails the operation with that error, before anything changed. An empty
+// function removes it.
+using QVOsNameHook = std::function<std::uint32_t(const std::string& from, const std::string& to)>;
+void QVSetOsNameHook(QVOsNameHook hook);
 
 // The Win32 error number of an errno value.
 std::uint32_t QVWin32ErrorFromErrno(int e);

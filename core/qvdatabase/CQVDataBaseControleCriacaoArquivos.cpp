@@ -68,6 +68,22 @@ HRESULT CQVDataBaseControleCriacaoArquivos::RemoveControleCriacaoArquivos(const 
     if (!IguaisSemCaixa(n, sNome)) aRegistrosNew.push_back(n);
   if (aRegistrosNew.size() == aRegistros.size()) return S_OK;  // not listed: nothing to rewrite
 
+  HRESULT hr = EscreveCopia(aRegistrosNew);
+  // A copy found there is another's trace and stays.
+  if (hr == E_QVCR_ARQUIVO_TRA_ENCONTRADO) return hr;
+  if (SUCCEEDED(hr))
+    hr = QV_LOGA(
+        CQVDataBaseUtil::RenomeiaArquivoTRA(m_pArquivo, m_eModulo, QVDATABASE_NOME_ARQUIVO_CONTROLE_CRIACAO_ARQUIVOS));
+  if (FAILED(hr)) {
+    // The copy this removal made would stop every later one: it goes (a
+    // failure to delete it is logged; the first failure is the answer).
+    const std::string sCopia = CQVDataBaseUtil::NomeArquivoTRA(QVDATABASE_NOME_ARQUIVO_CONTROLE_CRIACAO_ARQUIVOS);
+    QV_LOGA(CQVDataBaseUtil::DeletaArquivo(m_pArquivo, m_eModulo, sCopia, EQVDataBase_DeletaArquivoFlag::eNenhum));
+  }
+  return hr;
+}
+
+HRESULT CQVDataBaseControleCriacaoArquivos::EscreveCopia(const std::vector<std::string>& aRegistrosNew) {
   CQVDataBase qvDataBase(m_eModulo);
   qvDataBase.SetDiretorio(m_pArquivo->GetDiretorio());
   QV_CHECK(qvDataBase.Inicializa(m_pArquivo));
@@ -78,7 +94,6 @@ HRESULT CQVDataBaseControleCriacaoArquivos::RemoveControleCriacaoArquivos(const 
   QVUInt uiPosicao = 0;
   QV_CHECK(qvFileNew.GravaColecao(uiPosicao, aRegistrosNew));
   QV_CHECK(qvFileNew.Finaliza());
-  QV_CHECK(CQVDataBaseUtil::RenomeiaArquivoTRA(m_pArquivo, m_eModulo, QVDATABASE_NOME_ARQUIVO_CONTROLE_CRIACAO_ARQUIVOS));
   return S_OK;
 }
 

@@ -52,6 +52,9 @@ class CQVDataBaseControleCriacaoArquivos {
   // The names listed, as written, through a read-only open: nothing is
   // written and no other process is held up (the administrators' tools).
   [[nodiscard]] HRESULT LeLista(std::vector<std::string>* pNomes);
+  // Writes the list to "QVDATABASE_FILE_CTRL.tra" (refused when one is
+  // there: the trace of an interrupted removal, left for an administrator).
+  [[nodiscard]] HRESULT EscreveCopia(const std::vector<std::string>& aRegistrosNew);
 
  private:
 

@@ -39,7 +39,9 @@ HRESULT CQVDataBaseUtil::DeletaArquivo(IQVFileBase* pArquivo, std::uint32_t eMod
                                        EQVDataBase_DeletaArquivoFlag eFlag) {
   std::string sPath;
   QV_CHECK(GetPathArquivo(pArquivo, sNomeArquivo, &sPath));
-  if (QVFileExists(sPath)) QV_CHECK(QVDeleteFile(sPath));
+  // The control first: a crash in between leaves a file that is on disk and
+  // not listed (listed again at its next open), never one that is listed
+  // and missing (refused at its next open).
   if (eFlag == EQVDataBase_DeletaArquivoFlag::eRemoverDoControleCriacaoArquivosInMemory &&
       !CQVDataBaseControleCriacaoArquivos::EhExcluido(sNomeArquivo)) {
     CQVDataBaseControleCriacaoArquivos controle;
@@ -47,6 +49,7 @@ HRESULT CQVDataBaseUtil::DeletaArquivo(IQVFileBase* pArquivo, std::uint32_t eMod
     QV_CHECK(controle.Inicializa(pArquivo));
     QV_CHECK(controle.RemoveControleCriacaoArquivos(sNomeArquivo));
   }
+  if (QVFileExists(sPath)) QV_CHECK(QVDeleteFile(sPath));
   return S_OK;
 }
 

@@ -152,6 +152,10 @@ HRESULT CQVFileBase::OnInicializa() {
   QV_CHECK_ARQ(IQVFileBase::OnInicializa());
   QV_CHECK_ARQ(m_ControleCriacaoArquivos.Inicializa(this));
   m_hrDuvida = S_OK;
+  m_Retrato = QVFileIdentity{};
+  m_uiRetratoContador = 0;
+  m_usRetratoVoltas = 0;
+  m_bRetratoGarantido = false;
   return S_OK;
 }
 
@@ -230,7 +234,10 @@ HRESULT CQVFileBase::AbreArquivo(EQVDataBase_ModoAbertura eModoAbertura) {
   // A file found under another letter case gets the name the system knows.
   if (bExiste && eModoAbertura == EQVDataBase_ModoAbertura::eModoLeituraGravacao) {
     const std::string sEncontrado = QVResolvePathCase(sPath);
-    if (NomeBase(sEncontrado) != m_sNomeArquivo) QV_CHECK_ARQ(QVMoveFile(sEncontrado, sPath));
+    if (NomeBase(sEncontrado) != m_sNomeArquivo) {
+      QV_CHECK_ARQ(QVMoveFile(sEncontrado, sPath));
+      QV_CHECK_ARQ(Flush(false));
+    }
   }
 
   if (!m_pArquivo) m_pArquivo = QVCreateOsFile();
@@ -257,11 +264,21 @@ HRESULT CQVFileBase::AbreArquivo(EQVDataBase_ModoAbertura eModoAbertura) {
   m_eOpenMode = eModoAbertura;
   m_bCabecalhoExaminado = false;
   m_bPossuiCabecalho = false;
-  // A file this open created is listed now that it exists.
-  if (!bExiste)
+  if (!bExiste) {
+    // A file this open created survives a crash as the control will list
+    // it (a temporary copy needs no such care: its rename is synced).
+    if (!IguaisSemCaixa(CQVDataBaseUtil::Extensao(m_sNomeArquivo), "tra"))
+      QV_CHECK_ARQ(QVSyncDirectory(sPath.substr(0, sPath.find_last_of('/'))), {"sPathArquivo", sPath});
+    // Listed now that it exists.
     QV_CHECK_ARQ(m_ControleCriacaoArquivos.GerenciaControleCriacaoArquivos(eModoAbertura),
                  {"(QVUInt) eModoAbertura", std::to_string(static_cast<QVUInt>(eModoAbertura))});
-  const HRESULT hr = GerenciaCabecalho();
+  }
+  // Read-only, the file may be in the middle of another process's write:
+  // its header is judged under the shared content lock.
+  const bool bPartilhado = !QVModoGravacao(eModoAbertura);
+  HRESULT hr = bPartilhado ? TravaConteudo(false) : S_OK;
+  if (SUCCEEDED(hr)) hr = GerenciaCabecalho();
+  if (bPartilhado) LiberaConteudo();
   if (FAILED(hr)) {
     FechaArquivo();
     LogaFalha(__func__, __LINE__, "GerenciaCabecalho()", hr);
@@ -271,8 +288,10 @@ HRESULT CQVFileBase::AbreArquivo(EQVDataBase_ModoAbertura eModoAbertura) {
 }
 
 void CQVFileBase::FechaArquivo() {
-  if (m_pArquivo) m_pArquivo->Close();
+  if (m_pArquivo) m_pArquivo->Close();  // releases the content lock too
   m_bSujo = false;
+  m_bTravaExclusiva = false;
+  m_bRetratoGarantido = false;
   m_eOpenMode = EQVDataBase_ModoAbertura::eModoFechado;
   m_bCabecalhoExaminado = false;
   m_bPossuiCabecalho = false;
@@ -343,24 +362,24 @@ HRESULT CQVFileBase::ValidaCabecalhoV01() {
   return S_OK;
 }
 
-void CQVFileBase::PreencheTextos(bool bCriacao) {
+void CQVFileBase::PreencheTextos(QVCabecalhoArquivo& c, bool bCriacao) const {
   const std::string sEmpresa = Ultimos(QVUtf8ToAnsi(GetEmpresa()), kQVMaxTextoCabecalho);
   const std::string sComputador = QVComputerName();
   const std::int64_t agora = QVDataHoraAgora();
   if (bCriacao) {
-    CopiaTexto(m_Cabecalho.szEmpresa, sEmpresa);
-    CopiaTexto(m_Cabecalho.szComputador, sComputador);
+    CopiaTexto(c.szEmpresa, sEmpresa);
+    CopiaTexto(c.szComputador, sComputador);
     return;
   }
-  if (std::strncmp(m_Cabecalho.szEmpresa, sEmpresa.c_str(), sizeof m_Cabecalho.szEmpresa) != 0) {
-    std::memcpy(m_Cabecalho.szEmpresaAnterior, m_Cabecalho.szEmpresa, sizeof m_Cabecalho.szEmpresa);
-    CopiaTexto(m_Cabecalho.szEmpresa, sEmpresa);
-    m_Cabecalho.iAlteracaoEmpresa = agora;
+  if (std::strncmp(c.szEmpresa, sEmpresa.c_str(), sizeof c.szEmpresa) != 0) {
+    std::memcpy(c.szEmpresaAnterior, c.szEmpresa, sizeof c.szEmpresa);
+    CopiaTexto(c.szEmpresa, sEmpresa);
+    c.iAlteracaoEmpresa = agora;
   }
-  if (std::strncmp(m_Cabecalho.szComputador, sComputador.c_str(), sizeof m_Cabecalho.szComputador) != 0) {
-    std::memcpy(m_Cabecalho.szComputadorAnterior, m_Cabecalho.szComputador, sizeof m_Cabecalho.szComputador);
-    CopiaTexto(m_Cabecalho.szComputador, sComputador);
-    m_Cabecalho.iAlteracaoComputador = agora;
+  if (std::strncmp(c.szComputador, sComputador.c_str(), sizeof c.szComputador) != 0) {
+    std::memcpy(c.szComputadorAnterior, c.szComputador, sizeof c.szComputador);
+    CopiaTexto(c.szComputador, sComputador);
+    c.iAlteracaoComputador = agora;
   }
 }
 
@@ -386,7 +405,7 @@ HRESULT CQVFileBase::GeraDadosCabecalho() {
   m_Cabecalho.usVersaoSistemaCriacao = kQVVersaoSistema;
   m_Cabecalho.usVersaoSistemaAtualizacao = kQVVersaoSistema;
   CopiaTexto(m_Cabecalho.szNomeArquivo, Ultimos(QVUtf8ToAnsi(m_sNomeArquivo), kQVMaxTextoCabecalho));
-  PreencheTextos(true);
+  PreencheTextos(m_Cabecalho, true);
   m_Cabecalho.uiVerificacaoCabecalho = QVCrc64(&m_Cabecalho, kQVBytesCrcCabecalho);
   m_bCabecalhoExaminado = true;
   m_bPossuiCabecalho = true;
@@ -405,6 +424,7 @@ HRESULT CQVFileBase::CriaCabecalho() {
     HRESULT hr = GravaAbsoluto(0, bloco, sizeof bloco);
     if (SUCCEEDED(hr) && !m_pArquivo->Flush()) hr = CatchInicializacao(ExcecaoDoArquivo(CFileException::hardIO));
     if (SUCCEEDED(hr)) m_bSujo = false;
+    LiberaTravaExclusiva();
     if (FAILED(hr)) {
       m_bCabecalhoExaminado = false;
       LogaFalha(__func__, __LINE__, "GravaAbsoluto(0, bloco, sizeof bloco)", hr);
@@ -413,50 +433,137 @@ HRESULT CQVFileBase::CriaCabecalho() {
   }
 
   // The old content moves behind the new block through a temporary copy,
-  // which then takes the file's place: an interruption leaves either the
-  // old file or the new one, plus at most a ".tra" file to be looked at.
+  // which then takes the file's place. A copy already there is the trace of
+  // an interrupted operation: it is left for an administrator to look at.
   m_bCabecalhoExaminado = false;
+  bool bSubstituido = false;
+  QV_CHECK_ARQ(SubstituiPorCopia(bloco, sizeof bloco, nullptr, uiTamanho, true, &bSubstituido));
+  return S_OK;
+}
+
+HRESULT CQVFileBase::SubstituiPorCopia(const unsigned char* pBloco, std::size_t nBloco, const void* pDados,
+                                       QVUInt uiTamanho, bool bRecusaCopiaExistente, bool* pbSubstituido) {
+  *pbSubstituido = false;
+  const EQVDataBase_ModoAbertura eModo = m_eOpenMode;
+  const std::string sNomeCopia = CQVDataBaseUtil::NomeArquivoTRA(m_sNomeArquivo);
   CQVDataBase qvDB(m_eModulo);
   qvDB.SetDiretorio(GetDiretorio());
   QV_CHECK_ARQ(qvDB.Inicializa(this));
-  CQVFileCopia qvFileDestino(CQVDataBaseUtil::NomeArquivoTRA(m_sNomeArquivo), m_eModulo);
+  CQVFileCopia qvFileDestino(sNomeCopia, m_eModulo);
   QV_CHECK_ARQ(qvFileDestino.Inicializa(&qvDB));
-  if (qvFileDestino.ExisteArquivo()) QV_RETURN_ARQ(E_QVCR_ARQUIVO_TRA_ENCONTRADO);
-  QV_CHECK_ARQ(qvFileDestino.AbreArquivo(EQVDataBase_ModoAbertura::eModoLeituraGravacaoCriacao));
-  QV_CHECK_ARQ(qvFileDestino.GravaDados(0, bloco, sizeof bloco));
-  std::vector<unsigned char> pedaco(static_cast<std::size_t>(std::min<QVUInt>(uiTamanho, kTamanhoPedacoCopia)));
-  for (QVUInt uiLido = 0; uiLido < uiTamanho;) {
-    const auto n = static_cast<std::size_t>(std::min<QVUInt>(uiTamanho - uiLido, pedaco.size()));
-    QV_CHECK_ARQ(LeAbsoluto(uiLido, pedaco.data(), n));
-    QV_CHECK_ARQ(qvFileDestino.GravaDados(CQVFileBase::kQVFimDados, pedaco.data(), n));
-    uiLido += n;
+  if (qvFileDestino.ExisteArquivo()) {
+    if (bRecusaCopiaExistente) QV_RETURN_ARQ(E_QVCR_ARQUIVO_TRA_ENCONTRADO, {"sNomeCopia", sNomeCopia});
+    // Left by a rewrite that died before its rename: the file itself is
+    // whole and the copy is garbage; it is written anew. Logged, so that an
+    // administrator learns of the crash.
+    LogaFalha(__func__, __LINE__, "qvFileDestino.ExisteArquivo()", E_QVCR_ARQUIVO_TRA_ENCONTRADO,
+              {{"sNomeCopia", sNomeCopia}});
   }
-  QV_CHECK_ARQ(qvFileDestino.Finaliza());
-  const EQVDataBase_ModoAbertura eModo = m_eOpenMode;
-  FechaArquivo();
-  QV_CHECK_ARQ(CQVDataBaseUtil::RenomeiaArquivoTRA(this, m_eModulo, m_sNomeArquivo));
+
+  // The copy: its bytes reach the disk before it takes the file's place.
+  HRESULT hr = qvFileDestino.AbreArquivo(EQVDataBase_ModoAbertura::eModoLeituraGravacaoCriacao);
+  const char* sExpressao = "qvFileDestino.AbreArquivo(EQVDataBase_ModoAbertura::eModoLeituraGravacaoCriacao)";
+  if (SUCCEEDED(hr)) {
+    sExpressao = "qvFileDestino.GravaDados(0, pBloco, nBloco)";
+    hr = qvFileDestino.TruncaDados(0);
+    if (SUCCEEDED(hr) && nBloco > 0) hr = qvFileDestino.GravaDados(0, pBloco, nBloco);
+  }
+  if (SUCCEEDED(hr) && pDados != nullptr) {
+    sExpressao = "qvFileDestino.GravaDados(CQVFileBase::kQVFimDados, pDados, uiTamanho)";
+    hr = qvFileDestino.GravaDados(kQVFimDados, pDados, static_cast<std::size_t>(uiTamanho));
+  }
+  if (SUCCEEDED(hr) && pDados == nullptr) {
+    sExpressao = "LeAbsoluto(uiLido, pedaco.data(), n)";
+    std::vector<unsigned char> pedaco(static_cast<std::size_t>(std::min<QVUInt>(uiTamanho, kTamanhoPedacoCopia)));
+    for (QVUInt uiLido = 0; uiLido < uiTamanho && SUCCEEDED(hr);) {
+      const auto n = static_cast<std::size_t>(std::min<QVUInt>(uiTamanho - uiLido, pedaco.size()));
+      hr = LeAbsoluto(uiLido, pedaco.data(), n);
+      if (SUCCEEDED(hr)) hr = qvFileDestino.GravaDados(kQVFimDados, pedaco.data(), n);
+      uiLido += n;
+    }
+  }
+  if (SUCCEEDED(hr)) {
+    sExpressao = "qvFileDestino.Finaliza()";
+    hr = qvFileDestino.Finaliza();
+  }
+  if (SUCCEEDED(hr)) {
+    // The platform renames over no open file, this process's own handle included.
+    FechaArquivo();
+    sExpressao = "CQVDataBaseUtil::RenomeiaArquivoTRA(this, m_eModulo, m_sNomeArquivo)";
+    hr = CQVDataBaseUtil::RenomeiaArquivoTRA(this, m_eModulo, m_sNomeArquivo);
+  }
+  if (FAILED(hr)) {
+    LogaFalha(__func__, __LINE__, sExpressao, hr, {{"sNomeCopia", sNomeCopia}});
+    // The file is as it was and the copy goes, so that the next attempt is
+    // not taken for the trace of a crash. A failure here is logged; the
+    // first failure is the answer.
+    if (qvFileDestino.EstaInicializado()) QV_LOGA(qvFileDestino.Finaliza());
+    QV_LOGA(CQVDataBaseUtil::DeletaArquivo(this, m_eModulo, sNomeCopia, EQVDataBase_DeletaArquivoFlag::eNenhum));
+    return hr;
+  }
+  *pbSubstituido = true;
   QV_CHECK_ARQ(AbreArquivo(eModo));
   return S_OK;
+}
+
+HRESULT CQVFileBase::SubstituiDados(const void* pDados, std::size_t n, bool* pbSubstituido) {
+  *pbSubstituido = false;
+  QV_CHECK_ARQ(PodeGravar());
+  // The new file's block: this file's own, with the update a flush would
+  // make. With header management off the block is kept as it is.
+  unsigned char bloco[kQVTamanhoBlocoCabecalho];
+  std::size_t nBloco = 0;
+  if (GetSeekCabecalho() == kQVTamanhoBlocoCabecalho) {
+    QV_CHECK_ARQ(LeAbsoluto(0, bloco, sizeof bloco));
+    if (GerenciarCabecalho()) {
+      QVCabecalhoArquivo c = m_Cabecalho;
+      PreparaAtualizacao(&c, n);
+      std::memcpy(bloco + kQVTamanhoPreambulo, &c, sizeof c);
+    }
+    nBloco = sizeof bloco;
+  }
+  const EQVDataBase_ModoAbertura eModo = m_eOpenMode;
+  const HRESULT hr = SubstituiPorCopia(bloco, nBloco, pDados, n, false, pbSubstituido);
+  if (*pbSubstituido) {
+    // Memory is about to take the new data. Not reopened, the file is
+    // taken for absent, and the next access reads it again.
+    QV_LOGA(TiraRetrato());
+  } else if (!ArquivoAberto()) {
+    // Closed for the rename that failed: open again. Another process may
+    // have written it meanwhile; the snapshot, older, makes the next access
+    // read it again.
+    QV_LOGA(AbreArquivo(eModo));
+  }
+  if (FAILED(hr))
+    LogaFalha(__func__, __LINE__, "SubstituiPorCopia(bloco, nBloco, pDados, n, false, pbSubstituido)", hr,
+              {{"n", std::to_string(n)}});
+  return hr;
+}
+
+void CQVFileBase::PreparaAtualizacao(QVCabecalhoArquivo* c, QVUInt uiTamanhoDados) const {
+  c->iUltimaAtualizacao = QVDataHoraAgora();
+  c->uiTamanhoDados = uiTamanhoDados;
+  if (c->uiContadorAtualizacoes == ~std::uint64_t{0}) {
+    c->uiContadorAtualizacoes = 0;
+    ++c->usContadorVoltas;
+  } else {
+    ++c->uiContadorAtualizacoes;
+  }
+  c->uiNumeroSessao = GetNumeroSessao();
+  c->ulUsuario = GetUsuario();
+  c->usVersaoSistemaAtualizacao = kQVVersaoSistema;
+  PreencheTextos(*c, false);
+  c->uiVerificacaoCabecalho = QVCrc64(c, kQVBytesCrcCabecalho);
 }
 
 HRESULT CQVFileBase::AtualizaCabecalho() {
   if (!GerenciarCabecalho() || !PossuiCabecalho()) return S_OK;
   QVUInt uiTamanho = 0;
   QV_CHECK_ARQ(TamanhoArquivo(&uiTamanho));
-  m_Cabecalho.iUltimaAtualizacao = QVDataHoraAgora();
-  m_Cabecalho.uiTamanhoDados = uiTamanho - kQVTamanhoBlocoCabecalho;
-  if (m_Cabecalho.uiContadorAtualizacoes == ~std::uint64_t{0}) {
-    m_Cabecalho.uiContadorAtualizacoes = 0;
-    ++m_Cabecalho.usContadorVoltas;
-  } else {
-    ++m_Cabecalho.uiContadorAtualizacoes;
-  }
-  m_Cabecalho.uiNumeroSessao = GetNumeroSessao();
-  m_Cabecalho.ulUsuario = GetUsuario();
-  m_Cabecalho.usVersaoSistemaAtualizacao = kQVVersaoSistema;
-  PreencheTextos(false);
-  m_Cabecalho.uiVerificacaoCabecalho = QVCrc64(&m_Cabecalho, kQVBytesCrcCabecalho);
-  QV_CHECK_ARQ(GravaAbsoluto(kQVTamanhoPreambulo, &m_Cabecalho, sizeof m_Cabecalho));
+  QVCabecalhoArquivo c = m_Cabecalho;
+  PreparaAtualizacao(&c, uiTamanho - kQVTamanhoBlocoCabecalho);
+  QV_CHECK_ARQ(GravaAbsoluto(kQVTamanhoPreambulo, &c, sizeof c));
+  m_Cabecalho = c;
   return S_OK;
 }
 
@@ -473,15 +580,25 @@ HRESULT CQVFileBase::Flush(bool bFinal) {
   if (FAILED(m_hrDuvida)) {
     // A file in doubt keeps its old header: see invariant 3.
     m_pArquivo->Flush();
+    LiberaTravaExclusiva();
     return m_hrDuvida;
   }
   const bool bAdiado = m_pDataBase != nullptr && m_pDataBase->GetAtualizacaoCabecalhoAdiada();
-  if (bFinal == bAdiado) QV_CHECK_ARQ(AtualizaCabecalho());
-  if (m_bSujo) {
-    if (!m_pArquivo->Flush()) QV_CHECK_ARQ(CatchInicializacao(ExcecaoDoArquivo(CFileException::hardIO)));
+  HRESULT hr = bFinal == bAdiado ? AtualizaCabecalho() : S_OK;
+  if (FAILED(hr)) {
+    LogaFalha(__func__, __LINE__, "AtualizaCabecalho()", hr);
+  } else if (m_bSujo && !m_pArquivo->Flush()) {
+    hr = CatchInicializacao(ExcecaoDoArquivo(CFileException::hardIO));
+    LogaFalha(__func__, __LINE__, "CatchInicializacao(pEx)", hr);
+  } else {
     m_bSujo = false;
+    // Memory is what the disk holds now (the caller's write is complete).
+    hr = TiraRetrato();
   }
-  return S_OK;
+  // Data and header are on disk (or the write failed and will be rolled
+  // back under a new lock): readers may look again.
+  LiberaTravaExclusiva();
+  return hr;
 }
 
 HRESULT CQVFileBase::Reinicializa() {
@@ -558,6 +675,7 @@ HRESULT CQVFileBase::LeAbsoluto(QVUInt uiOffset, void* pBuffer, std::size_t n) {
 
 HRESULT CQVFileBase::GravaAbsoluto(QVUInt uiOffset, const void* pBuffer, std::size_t n) {
   if (!ArquivoAberto()) return CatchGravacao(CFileException(CFileException::invalidFile, 0, m_sNomeArquivo));
+  QV_CHECK_ARQ(TravaConteudo(true));
   if (!m_pArquivo->Seek(uiOffset)) return CatchGravacao(ExcecaoDoArquivo(CFileException::badSeek));
   m_bSujo = true;
   if (!m_pArquivo->Write(pBuffer, n)) return CatchGravacao(ExcecaoDoArquivo(CFileException::hardIO));
@@ -587,17 +705,157 @@ HRESULT CQVFileBase::TamanhoDados(QVUInt* puiTamanho) {
 
 HRESULT CQVFileBase::TruncaDados(QVUInt uiTamanho) {
   if (!ArquivoAberto()) return CatchGravacao(CFileException(CFileException::invalidFile, 0, m_sNomeArquivo));
+  QV_CHECK_ARQ(TravaConteudo(true));
   m_bSujo = true;
   if (!m_pArquivo->SetLength(GetSeekCabecalho() + uiTamanho))
     return CatchGravacao(ExcecaoDoArquivo(CFileException::hardIO));
   return S_OK;
 }
 
-HRESULT CQVFileBase::AbreParaCarga(bool* pbExiste, QVUInt* puiTamanho) {
-  *puiTamanho = 0;
+// ---- between processes --------------------------------------------------------
+
+HRESULT CQVFileBase::TravaConteudo(bool bExclusiva) {
+  if (bExclusiva && m_bTravaExclusiva) return S_OK;
+  const auto ulEsperaMs = static_cast<std::uint32_t>(g_tentativasAbertura.load()) * g_intervaloAberturaMs.load();
+  if (!m_pArquivo->LockContent(bExclusiva, ulEsperaMs))
+    return CatchInicializacao(ExcecaoDoArquivo(CFileException::lockViolation));
+  m_bTravaExclusiva = bExclusiva;
+  return S_OK;
+}
+
+void CQVFileBase::LiberaConteudo() {
+  if (ArquivoAberto()) m_pArquivo->UnlockContent();
+}
+
+void CQVFileBase::LiberaTravaExclusiva() {
+  if (m_bTravaExclusiva) LiberaConteudo();
+  m_bTravaExclusiva = false;
+}
+
+HRESULT CQVFileBase::LeContadores(std::uint64_t* puiContador, std::uint16_t* pusVoltas) {
+  *puiContador = 0;
+  *pusVoltas = 0;
+  if (GetSeekCabecalho() != kQVTamanhoBlocoCabecalho) return S_OK;
+  QVCabecalhoArquivo c;
+  QV_CHECK_ARQ(LeAbsoluto(kQVTamanhoPreambulo, &c, sizeof c));
+  *puiContador = c.uiContadorAtualizacoes;
+  *pusVoltas = c.usContadorVoltas;
+  return S_OK;
+}
+
+HRESULT CQVFileBase::TiraRetrato() {
+  m_Retrato = QVFileIdentity{};
+  m_uiRetratoContador = 0;
+  m_usRetratoVoltas = 0;
+  m_bRetratoGarantido = false;
+  // Closed: memory reflects an absent file (whatever the path holds by now).
+  if (!ArquivoAberto()) return S_OK;
+  QVFileIdentity id;
+  if (!m_pArquivo->GetIdentity(&id)) return CatchInicializacao(ExcecaoDoArquivo(CFileException::hardIO));
+  QV_CHECK_ARQ(LeContadores(&m_uiRetratoContador, &m_usRetratoVoltas));
+  m_Retrato = id;
+  m_bRetratoGarantido = QVModoGravacao(m_eOpenMode);
+  return S_OK;
+}
+
+HRESULT CQVFileBase::DiscoMudou(bool* pbMudou) {
+  *pbMudou = false;
+  QVFileIdentity id;
+  if (!ArquivoAberto()) {
+    // A file this process does not have open is judged by its identity,
+    // length and time of change.
+    std::string sPath;
+    QV_CHECK_ARQ(GetPathArquivo(&sPath));
+    QV_CHECK_ARQ(QVGetFileIdentity(sPath, &id), {"sPathArquivo", sPath});
+    *pbMudou = id != m_Retrato;
+    return S_OK;
+  }
+  // An open file cannot be replaced (no rename over an open file), only
+  // written: its length, time of change and header counters tell.
+  if (!m_pArquivo->GetIdentity(&id)) return CatchInicializacao(ExcecaoDoArquivo(CFileException::hardIO));
+  std::uint64_t uiContador = 0;
+  std::uint16_t usVoltas = 0;
+  QV_CHECK_ARQ(LeContadores(&uiContador, &usVoltas));
+  *pbMudou = id != m_Retrato || uiContador != m_uiRetratoContador || usVoltas != m_usRetratoVoltas;
+  return S_OK;
+}
+
+HRESULT CQVFileBase::LeDoDisco() {
+  // A file open only for reading may be in the middle of another process's
+  // write: it is read under the shared content lock, and its header judged
+  // again there (a write may have changed it since the open).
+  const bool bPartilhado = ArquivoAberto() && !QVModoGravacao(m_eOpenMode);
+  HRESULT hr = bPartilhado ? TravaConteudo(false) : S_OK;
+  if (SUCCEEDED(hr) && bPartilhado) {
+    m_bCabecalhoExaminado = false;
+    hr = GerenciaCabecalho();
+  }
+  QVUInt uiTamanho = 0;
+  if (SUCCEEDED(hr)) hr = TamanhoDados(&uiTamanho);
+  if (SUCCEEDED(hr)) hr = LeConteudo(ArquivoAberto(), uiTamanho);
+  if (SUCCEEDED(hr)) hr = TiraRetrato();
+  if (bPartilhado) LiberaConteudo();
+  if (FAILED(hr)) LogaFalha(__func__, __LINE__, "LeConteudo(ArquivoAberto(), uiTamanho)", hr);
+  return hr;
+}
+
+HRESULT CQVFileBase::Carrega() {
+  if (m_bCargaSemReter) {
+    QV_CHECK_ARQ(CarregaSemReter());
+    return S_OK;
+  }
   QV_CHECK_ARQ(AbreArquivo(EQVDataBase_ModoAbertura::eModoLeituraGravacao));
-  *pbExiste = ArquivoAberto();
-  if (*pbExiste) QV_CHECK_ARQ(TamanhoDados(puiTamanho));
+  QV_CHECK_ARQ(LeDoDisco());
+  return S_OK;
+}
+
+HRESULT CQVFileBase::CarregaSemReter() {
+  // Opened for reading only and closed again; the mode later opens reuse
+  // stays the one asked for before.
+  const EQVDataBase_ModoAbertura eUltimo = m_eUltimoModo;
+  HRESULT hr = AbreArquivo(EQVDataBase_ModoAbertura::eModoLeitura);
+  if (FAILED(hr))
+    LogaFalha(__func__, __LINE__, "AbreArquivo(EQVDataBase_ModoAbertura::eModoLeitura)", hr);
+  else if (FAILED(hr = LeDoDisco()))
+    LogaFalha(__func__, __LINE__, "LeDoDisco()", hr);
+  FechaArquivo();
+  m_eUltimoModo = eUltimo;
+  return hr;
+}
+
+HRESULT CQVFileBase::SincronizaLeitura() {
+  if (!EstaInicializado() || m_bRetratoGarantido || FAILED(m_hrDuvida)) return S_OK;
+  if (ArquivoAberto() && QVModoGravacao(m_eOpenMode)) {
+    QV_CHECK_ARQ(SincronizaGravacao());
+    return S_OK;
+  }
+  // The look needs no lock: a write in progress shows as a change (its
+  // length, its time of change), and the reading again happens under it.
+  bool bMudou = false;
+  QV_CHECK_ARQ(DiscoMudou(&bMudou));
+  if (!bMudou) return S_OK;
+  if (ArquivoAberto()) {
+    QV_CHECK_ARQ(LeDoDisco());
+    return S_OK;
+  }
+  // Not open here: read without holding it (a read never takes the place
+  // of another process's writer).
+  QV_CHECK_ARQ(CarregaSemReter());
+  return S_OK;
+}
+
+HRESULT CQVFileBase::SincronizaGravacao(bool* pbRecarregado) {
+  if (pbRecarregado != nullptr) *pbRecarregado = false;
+  if (m_bRetratoGarantido) return S_OK;
+  // Open for writing: nobody else is writing, no lock needed.
+  bool bMudou = false;
+  QV_CHECK_ARQ(DiscoMudou(&bMudou));
+  if (!bMudou) {
+    QV_CHECK_ARQ(TiraRetrato());
+    return S_OK;
+  }
+  QV_CHECK_ARQ(LeDoDisco());
+  if (pbRecarregado != nullptr) *pbRecarregado = true;
   return S_OK;
 }
 

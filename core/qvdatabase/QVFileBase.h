@@ -22,6 +22,27 @@
 //  4. Failures of the platform's file layer never leave the class: each is
 //     mapped to a status (CatchGravacao, CatchInicializacao) and logged with
 //     its cause and the file's name.
+//
+// Between processes. Memory is what the disk held when it was last read or
+// written here; the snapshot (m_Retrato: which file, its length, its time of
+// change, and its header's update and wrap counters) records that state.
+//  5. While this process holds the file open for writing (the open denies
+//     writing to every other handle), nobody else can change it: reads are
+//     pure memory reads. A file not held (absent at the load, read since, or
+//     open read-only) may be created, appended to, rewritten or replaced by
+//     another process: SincronizaLeitura, before every read, and
+//     SincronizaGravacao, after every open for writing and before the
+//     write's checks, compare the disk with the snapshot and read the file
+//     again when it changed. So a unique key another process wrote is seen
+//     by the index check, and an append lands at the end of the file as it
+//     is on disk.
+//  6. The content lock (IQVOsFile::LockContent) is held exclusively from the
+//     first byte a write changes until the flush that follows has written
+//     the header, and shared by a reader while it reads a file it does not
+//     hold: no reader sees data without its header.
+//  7. A whole-file rewrite writes a copy (extension "tra"), flushes it, and
+//     puts it in the file's place with one rename: a crash leaves the old
+//     file or the new one, never a mixture (SubstituiDados).
 #pragma once
 
 #include <cstdint>
@@ -104,6 +125,10 @@ class CQVFileBase : public IQVFileBase {
   // Places the file in a directory of its own instead of its database's or
   // company's (tools that inspect a folder, tests).
   void SetDiretorio(std::string sDiretorio) { m_sDiretorio = std::move(sDiretorio); }
+  // The load reads the file and closes it again instead of holding it open
+  // for writing (a month file that a read found on disk): it is held from
+  // its first write on.
+  void SetCargaSemReter(bool b) { m_bCargaSemReter = b; }
 
   [[nodiscard]] HRESULT GetPathArquivo(std::string* pPath) const;
   EQVDataBase_ModoAbertura GetModoAbertura() const { return m_eOpenMode; }
@@ -142,9 +167,28 @@ class CQVFileBase : public IQVFileBase {
   [[nodiscard]] HRESULT GravaDados(QVUInt uiOffset, const void* pBuffer, std::size_t n, QVUInt* puiOffset = nullptr);
   [[nodiscard]] HRESULT TamanhoDados(QVUInt* puiTamanho);
   [[nodiscard]] HRESULT TruncaDados(QVUInt uiTamanho);
-  // The open of a whole-file load (read and write; an absent file stays
-  // closed): whether the file exists and its data length (0 when absent).
-  [[nodiscard]] HRESULT AbreParaCarga(bool* pbExiste, QVUInt* puiTamanho);
+  // The load of a derived class: opens the file for reading and writing (an
+  // absent file stays closed; see SetCargaSemReter) and reads its content
+  // through LeConteudo.
+  [[nodiscard]] HRESULT Carrega();
+  // Reads the whole data (uiTamanho bytes from the data start; bExiste false
+  // and 0 when the file is absent) into memory, replacing what memory held;
+  // on failure memory is unchanged. Called by the load and by every reload.
+  // A file with no content of its own in memory has nothing to read.
+  [[nodiscard]] virtual HRESULT LeConteudo(bool /*bExiste*/, QVUInt /*uiTamanho*/) { return S_OK; }
+  // See invariant 5. SincronizaLeitura does nothing for a file held for
+  // writing. SincronizaGravacao needs the file open for writing;
+  // *pbRecarregado tells whether memory was read again (the write's checks
+  // must then be made again).
+  [[nodiscard]] HRESULT SincronizaLeitura();
+  [[nodiscard]] HRESULT SincronizaGravacao(bool* pbRecarregado = nullptr);
+  // Replaces the whole data by pDados (n bytes) through a copy and one
+  // rename (invariant 7), with the header updated as a flush would. Needs
+  // the file open for writing, and no other handle open on it: the platform
+  // refuses to rename over an open file, and the call then fails with the
+  // file as it was. *pbSubstituido tells whether the new data is the file's:
+  // memory must then take it, even when the reopen that follows failed.
+  [[nodiscard]] HRESULT SubstituiDados(const void* pDados, std::size_t n, bool* pbSubstituido);
   // Finalises the file and initialises it again with the database or
   // identity it had (a new name, a deleted file).
   [[nodiscard]] HRESULT Reinicializa();
@@ -169,10 +213,28 @@ class CQVFileBase : public IQVFileBase {
 
  private:
   bool EhArquivoExcluido() const;
+  // The header fields an update changes, for a data length.
+  void PreparaAtualizacao(QVCabecalhoArquivo* pCabecalho, QVUInt uiTamanhoDados) const;
+  // Writes a copy (".tra": bloco, then pDados or, when null, this file's
+  // first uiTamanho bytes) and renames it over the file, which is then
+  // opened again in its mode. A copy already there is refused
+  // (E_QVCR_ARQUIVO_TRA_ENCONTRADO) or replaced. A copy left by a failure
+  // is deleted.
+  [[nodiscard]] HRESULT SubstituiPorCopia(const unsigned char* pBloco, std::size_t nBloco, const void* pDados,
+                                          QVUInt uiTamanho, bool bRecusaCopiaExistente, bool* pbSubstituido);
+  [[nodiscard]] HRESULT LeDoDisco();
+  [[nodiscard]] HRESULT CarregaSemReter();
+  [[nodiscard]] HRESULT TiraRetrato();
+  [[nodiscard]] HRESULT DiscoMudou(bool* pbMudou);
+  [[nodiscard]] HRESULT LeContadores(std::uint64_t* puiContador, std::uint16_t* pusVoltas);
+  [[nodiscard]] HRESULT TravaConteudo(bool bExclusiva);
+  void LiberaConteudo();
+  // The end of a write (its flush): readers may look again.
+  void LiberaTravaExclusiva();
   [[nodiscard]] HRESULT LeAbsoluto(QVUInt uiOffset, void* pBuffer, std::size_t n);
   [[nodiscard]] HRESULT GravaAbsoluto(QVUInt uiOffset, const void* pBuffer, std::size_t n);
   [[nodiscard]] HRESULT TamanhoArquivo(QVUInt* puiTamanho);
-  void PreencheTextos(bool bCriacao);
+  void PreencheTextos(QVCabecalhoArquivo& c, bool bCriacao) const;
 
   std::unique_ptr<IQVOsFile> m_pArquivo;
   CQVDataBase* m_pDataBase = nullptr;
@@ -188,6 +250,15 @@ class CQVFileBase : public IQVFileBase {
   // Bytes were written since the last sync: a flush of a file that was only
   // read costs no fdatasync.
   bool m_bSujo = false;
+  // The content lock is held exclusively for a write in progress.
+  bool m_bTravaExclusiva = false;
+  bool m_bCargaSemReter = false;
+  // What memory reflects (invariant 5); an absent file's is all zero.
+  QVFileIdentity m_Retrato{};
+  std::uint64_t m_uiRetratoContador = 0;
+  std::uint16_t m_usRetratoVoltas = 0;
+  // Taken with the file open for writing, which has stayed open since.
+  bool m_bRetratoGarantido = false;
 };
 
 // The cause names the log uses for a file failure ("eSharingViolation"...).

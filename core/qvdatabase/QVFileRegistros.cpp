@@ -13,6 +13,9 @@ constexpr std::size_t kMaxLeitura = 0xFFFFFFFFu;
 
 std::string Num(QVUInt v) { return std::to_string(v); }
 
+// The room a load leaves: an eighth more records, at least 16.
+QVUInt CapacidadeDeCarga(QVUInt uiQtd) { return uiQtd + std::max<QVUInt>(uiQtd / 8, 16); }
+
 }  // namespace
 
 CQVFileRegistros::CQVFileRegistros(std::string sNomeArquivo, std::uint32_t eModulo, std::size_t tamRegistro,
@@ -32,10 +35,7 @@ HRESULT CQVFileRegistros::Reserva(QVUInt uiCapacidade) {
   // Appends grow the block geometrically so that a run of single appends
   // costs amortised constant time.
   const QVUInt uiNova = std::max<QVUInt>(uiCapacidade, m_uiCapacidade + m_uiCapacidade / 2 + 16);
-  CQVBloco novo(static_cast<std::size_t>(uiNova * m_tamRegistro));
-  if (!novo) return E_OUTOFMEMORY;
-  if (m_uiQtd > 0) std::memcpy(novo.get(), m_pDados.get(), m_uiQtd * m_tamRegistro);
-  m_pDados = std::move(novo);
+  if (!m_pDados.Cresce(static_cast<std::size_t>(uiNova * m_tamRegistro))) return E_OUTOFMEMORY;
   m_uiCapacidade = uiNova;
   return S_OK;
 }
@@ -49,33 +49,45 @@ HRESULT CQVFileRegistros::Redimensiona(QVUInt uiQtd) {
 HRESULT CQVFileRegistros::OnInicializa() {
   std::lock_guard lock(m_mutex);
   m_uiQtd = 0;
+  m_uiCapacidade = 0;
+  m_pDados = CQVBloco();
   m_bIndicesProntos = false;
   m_bAlteradoEmMemoria = false;
+  m_bArquivoExiste = false;
   for (Indice& i : m_Indices) i.clear();
   QV_CHECK_ARQ(CQVFileBase::OnInicializa());
-  QVUInt uiTamanho = 0;
-  QV_CHECK_ARQ(AbreParaCarga(&m_bArquivoExiste, &uiTamanho));
+  QV_CHECK_ARQ(Carrega());
+  return S_OK;
+}
+
+HRESULT CQVFileRegistros::LeConteudo(bool bExiste, QVUInt uiTamanho) {
   if (uiTamanho % m_tamRegistro != 0) {
-    QVEscreveLinhaErroTexto(QVSinkAtual(), NomeClasseLog() + "::OnInicializa", FonteLog(), __LINE__,
+    QVEscreveLinhaErroTexto(QVSinkAtual(), NomeClasseLog() + "::LeConteudo", FonteLog(), __LINE__,
                             QVFormataFalhaArquivoTamanho(E_QVCR_ARQUIVO_NAO_EH_MOD_ESTRUTURA, m_sNomeArquivo, 0, 0,
                                                          static_cast<std::int64_t>(uiTamanho)));
     QV_RETURN_ARQ(E_QVCR_ARQUIVO_NAO_EH_MOD_ESTRUTURA, {"sizeof(T)", Num(m_tamRegistro)});
   }
   const QVUInt uiQtd = uiTamanho / m_tamRegistro;
-  m_uiQtd = 0;
-  m_uiCapacidade = 0;
-  m_pDados = CQVBloco();
-  QV_CHECK_ARQ(Redimensiona(uiQtd), {"GetLength", Num(uiTamanho)});
+  const QVUInt uiCapacidade = CapacidadeDeCarga(uiQtd);
+  CQVBloco novo(static_cast<std::size_t>(uiCapacidade * m_tamRegistro));
+  if (!novo) QV_RETURN_ARQ(E_OUTOFMEMORY, {"GetLength", Num(uiTamanho)});
   for (QVUInt uiLido = 0; uiLido < uiTamanho;) {
     const auto n = static_cast<std::size_t>(std::min<QVUInt>(uiTamanho - uiLido, kMaxLeitura));
-    const HRESULT hr = LeDados(uiLido, m_pDados.get() + uiLido, n);
-    if (FAILED(hr)) {
-      m_uiQtd = 0;
-      LogaFalha(__func__, __LINE__, "LeDados(uiLido, m_pDados.get() + uiLido, n)", hr);
-      return hr;
-    }
+    QV_CHECK_ARQ(LeDados(uiLido, novo.get() + uiLido, n), {"GetLength", Num(uiTamanho)});
     uiLido += n;
   }
+  m_pDados = std::move(novo);
+  m_uiQtd = uiQtd;
+  m_uiCapacidade = uiCapacidade;
+  m_bArquivoExiste = bExiste;
+  for (Indice& i : m_Indices) i.clear();
+  m_bIndicesProntos = false;
+  return S_OK;
+}
+
+HRESULT CQVFileRegistros::SincronizaParaLer() {
+  if (m_bAlteradoEmMemoria) return S_OK;
+  QV_CHECK_ARQ(SincronizaLeitura());
   return S_OK;
 }
 
@@ -90,19 +102,24 @@ HRESULT CQVFileRegistros::OnFinaliza() {
   return hr;
 }
 
+// A count and a pointer have no status: a failed reading again (logged)
+// leaves what memory held.
 QVUInt CQVFileRegistros::GetQtdRegistros() {
   std::lock_guard lock(m_mutex);
+  static_cast<void>(SincronizaParaLer());
   return m_uiQtd;
 }
 
 const void* CQVFileRegistros::GetPonteiroRegistro(QVUInt uiPosicao) {
   std::lock_guard lock(m_mutex);
+  static_cast<void>(SincronizaParaLer());
   return uiPosicao >= 1 && uiPosicao <= m_uiQtd ? Registro(uiPosicao) : nullptr;
 }
 
 HRESULT CQVFileRegistros::LeRegistro(QVUInt uiPosicao, void* pRegistro) {
   std::lock_guard lock(m_mutex);
   if (uiPosicao == 0) QV_RETURN_ARQ(E_QVCR_TENTATIVA_LER_POSICAO_ZERO);
+  QV_CHECK_ARQ(SincronizaParaLer(), {"uiPosicao", Num(uiPosicao)});
   if (!m_bArquivoExiste) QV_RETURN_ARQ(E_QVCR_ARQUIVO_NAO_EXISTE, {"uiPosicao", Num(uiPosicao)});
   if (uiPosicao > m_uiQtd) {
     QVEscreveLinhaErroTexto(QVSinkAtual(), NomeClasseLog() + "::Le", FonteLog(), __LINE__,
@@ -196,7 +213,8 @@ HRESULT CQVFileRegistros::ExisteIndex(QVUInt uiColunaIndexacao, std::uint64_t ui
                                       std::vector<QVUInt>* plistaPosicao) {
   std::lock_guard lock(m_mutex);
   const std::vector<QVUInt>* pPosicoes = nullptr;
-  const HRESULT hr = ProcuraIndex(uiColunaIndexacao, uiChave, &pPosicoes);
+  HRESULT hr = SincronizaParaLer();
+  if (SUCCEEDED(hr)) hr = ProcuraIndex(uiColunaIndexacao, uiChave, &pPosicoes);
   *pbExiste = pPosicoes != nullptr;
   if (plistaPosicao != nullptr) {
     if (pPosicoes != nullptr)
@@ -215,7 +233,8 @@ HRESULT CQVFileRegistros::ExisteIndex(QVUInt uiColunaIndexacao, std::uint64_t ui
                                       QVUInt* puiPosicaoIndex) {
   std::lock_guard lock(m_mutex);
   const std::vector<QVUInt>* pPosicoes = nullptr;
-  const HRESULT hr = ProcuraIndex(uiColunaIndexacao, uiChave, &pPosicoes);
+  HRESULT hr = SincronizaParaLer();
+  if (SUCCEEDED(hr)) hr = ProcuraIndex(uiColunaIndexacao, uiChave, &pPosicoes);
   *pbExiste = pPosicoes != nullptr;
   *puiPosicaoIndex = pPosicoes != nullptr ? pPosicoes->front() : 0;
   return hr;
@@ -241,11 +260,22 @@ HRESULT CQVFileRegistros::GravaRegistros(QVUInt& uiPosicao, const void* pRegistr
   std::lock_guard lock(m_mutex);
   if (n == 0) return S_OK;
   const auto* novos = static_cast<const unsigned char*>(pRegistros);
-  if (uiPosicao > m_uiQtd + 1)
-    QV_RETURN_ARQ(E_QVCR_POSICAO_GRAVACAO_SUPERIOR_QUANTIDADE_ARQUIVO, {"uiPosicao", Num(uiPosicao)},
-                  {"aRegistros.size()", Num(n)}, {"GetQtdRegistros()", Num(m_uiQtd)});
-  QV_CHECK_ARQ(AbreArquivo(EQVDataBase_ModoAbertura::eModoLeituraGravacaoCriacao), {"uiPosicao", Num(uiPosicao)});
-  QV_CHECK_ARQ(PodeGravar(), {"uiPosicao", Num(uiPosicao)});
+  QV_CHECK_ARQ(SincronizaParaLer(), {"uiPosicao", Num(uiPosicao)});
+  // The position is checked before the open (a refused write creates no
+  // file) and, when the open found the file changed by another process,
+  // again against what it holds.
+  for (bool bAberto = false;;) {
+    if (uiPosicao > m_uiQtd + 1)
+      QV_RETURN_ARQ(E_QVCR_POSICAO_GRAVACAO_SUPERIOR_QUANTIDADE_ARQUIVO, {"uiPosicao", Num(uiPosicao)},
+                    {"aRegistros.size()", Num(n)}, {"GetQtdRegistros()", Num(m_uiQtd)});
+    if (bAberto) break;
+    QV_CHECK_ARQ(AbreArquivo(EQVDataBase_ModoAbertura::eModoLeituraGravacaoCriacao), {"uiPosicao", Num(uiPosicao)});
+    QV_CHECK_ARQ(PodeGravar(), {"uiPosicao", Num(uiPosicao)});
+    bool bRecarregado = false;
+    if (!m_bAlteradoEmMemoria) QV_CHECK_ARQ(SincronizaGravacao(&bRecarregado), {"uiPosicao", Num(uiPosicao)});
+    bAberto = true;
+    if (!bRecarregado) break;
+  }
   m_bArquivoExiste = true;
   ConstroiIndices();
   for (QVUInt idx = 0; idx < m_Descritores.size(); ++idx)
@@ -301,6 +331,7 @@ HRESULT CQVFileRegistros::SetArrayData(const void* pRegistros, std::size_t n) {
 HRESULT CQVFileRegistros::SetRegData(QVUInt uiPosicao, const void* pRegistro) {
   std::lock_guard lock(m_mutex);
   if (uiPosicao == 0) QV_RETURN_ARQ(E_QVCR_TENTATIVA_LER_POSICAO_ZERO);
+  QV_CHECK_ARQ(SincronizaParaLer(), {"uiPosicao", Num(uiPosicao)});
   if (uiPosicao > m_uiQtd + 1)
     QV_RETURN_ARQ(E_QVCR_POSICAO_GRAVACAO_SUPERIOR_QUANTIDADE_ARQUIVO, {"uiPosicao", Num(uiPosicao)});
   if (uiPosicao > m_uiQtd) QV_CHECK_ARQ(Redimensiona(uiPosicao));
@@ -310,40 +341,33 @@ HRESULT CQVFileRegistros::SetRegData(QVUInt uiPosicao, const void* pRegistro) {
   return S_OK;
 }
 
-HRESULT CQVFileRegistros::EscreveTudo() {
-  const QVUInt uiTamanho = m_uiQtd * m_tamRegistro;
-  HRESULT hr = GravaDados(0, m_pDados.get(), static_cast<std::size_t>(uiTamanho));
-  if (SUCCEEDED(hr)) hr = TruncaDados(uiTamanho);
-  if (SUCCEEDED(hr)) hr = Flush();
-  return hr;
-}
-
 HRESULT CQVFileRegistros::SetConteudo(const void* pRegistros, std::size_t n) {
   std::lock_guard lock(m_mutex);
-  const bool bIgual = n == m_uiQtd && (n == 0 || std::memcmp(pRegistros, m_pDados.get(), n * m_tamRegistro) == 0);
+  // The new content in a block of its own, first: it may come from this
+  // file's memory, which a reading again replaces; and the old content stays
+  // until the new one is the file's.
+  const QVUInt uiCapacidade = CapacidadeDeCarga(n);
+  CQVBloco novo(static_cast<std::size_t>(uiCapacidade * m_tamRegistro));
+  if (!novo) QV_RETURN_ARQ(E_OUTOFMEMORY, {"aRegistros.size()", Num(n)});
+  if (n > 0) std::memcpy(novo.get(), pRegistros, n * m_tamRegistro);
+  QV_CHECK_ARQ(SincronizaParaLer(), {"aRegistros.size()", Num(n)});
+  const bool bIgual = n == m_uiQtd && (n == 0 || std::memcmp(novo.get(), m_pDados.get(), n * m_tamRegistro) == 0);
   if (bIgual && !m_bAlteradoEmMemoria) return S_OK;
   QV_CHECK_ARQ(AbreArquivo(EQVDataBase_ModoAbertura::eModoLeituraGravacaoCriacao), {"aRegistros.size()", Num(n)});
   QV_CHECK_ARQ(PodeGravar());
-  m_bArquivoExiste = true;
 
-  // Keep the old content until the new one is on disk.
-  CQVBloco pAntigo = std::move(m_pDados);
-  const QVUInt uiQtdAntiga = m_uiQtd;
-  const QVUInt uiCapacidadeAntiga = m_uiCapacidade;
-  m_uiQtd = 0;
-  m_uiCapacidade = 0;
-  HRESULT hr = Redimensiona(n);
-  if (SUCCEEDED(hr) && n > 0) std::memcpy(m_pDados.get(), pRegistros, n * m_tamRegistro);
-  if (SUCCEEDED(hr)) hr = EscreveTudo();
-  if (FAILED(hr)) {
-    m_pDados = std::move(pAntigo);
-    m_uiQtd = uiQtdAntiga;
-    m_uiCapacidade = uiCapacidadeAntiga;
-    if (hr != E_OUTOFMEMORY) RestauraDoMemoria(0, hr);
-    LogaFalha(__func__, __LINE__, "EscreveTudo()", hr, {{"aRegistros.size()", Num(n)}});
-    return hr;
+  bool bSubstituido = false;
+  const HRESULT hr = SubstituiDados(novo.get(), n * m_tamRegistro, &bSubstituido);
+  if (bSubstituido) {
+    m_pDados = std::move(novo);
+    m_uiQtd = n;
+    m_uiCapacidade = uiCapacidade;
+    m_bArquivoExiste = true;
+    m_bIndicesProntos = false;
+    m_bAlteradoEmMemoria = false;
   }
-  m_bIndicesProntos = false;
-  m_bAlteradoEmMemoria = false;
-  return S_OK;
+  if (FAILED(hr))
+    LogaFalha(__func__, __LINE__, "SubstituiDados(novo.get(), n * m_tamRegistro, &bSubstituido)", hr,
+              {{"aRegistros.size()", Num(n)}});
+  return hr;
 }

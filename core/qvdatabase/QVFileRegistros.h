@@ -9,13 +9,25 @@
 // position p.
 //
 // Invariants (all under m_mutex):
-//  1. The array equals the file's data, record for record, after every call
-//     that returned (a failed write is rolled back on disk, not applied in
-//     memory).
+//  1. The array equals the file's data, record for record, as it was at the
+//     snapshot of QVFileBase.h (invariant 5), after every call that returned
+//     (a failed write is rolled back on disk, not applied in memory). Every
+//     read and look-up first reads the file again if another process
+//     changed it; every write does so once it holds the file.
 //  2. Each index maps every non-zero key of its column to the positions
 //     holding it; it is built from the array at the first look-up or write
 //     and kept up to date by every write after that.
-//  3. Reads and look-ups never touch the disk.
+//  3. Reads and look-ups of a file this process holds for writing never
+//     touch the disk.
+//  4. Memory that SetArrayData/SetRegData changed and that is not written
+//     yet (a conversion at work) is never replaced by a reading again.
+//
+// Memory: the records sit in one block (platform/QVMemoria.h) with room to
+// grow: a load leaves an eighth more (at least 16 records), a write that
+// needs more makes it half as large again. The room is address space, not
+// memory, until records are written there, and growing never copies the
+// records, so the first append after loading a large file costs no more than
+// any other.
 #pragma once
 
 #include <cstdint>
@@ -74,12 +86,14 @@ class CQVFileRegistros : public CQVFileBase {
   [[nodiscard]] HRESULT SetRegData(QVUInt uiPosicao, const void* pRegistro);
   bool PrecisaGravar() const;
 
-  // The record in memory; valid until the next write. Null outside 1..count.
+  // The record in memory; valid until the next call on this file. Null
+  // outside 1..count.
   const void* GetPonteiroRegistro(QVUInt uiPosicao);
 
  protected:
   HRESULT OnInicializa() override;
   HRESULT OnFinaliza() override;
+  HRESULT LeConteudo(bool bExiste, QVUInt uiTamanho) override;
   std::string NomeClasseLog() const override { return "CQVFile<" + m_sNomeEstrutura + ">"; }
   const char* FonteLog() const override { return "core/qvdatabase/QVFile"; }
 
@@ -99,7 +113,8 @@ class CQVFileRegistros : public CQVFileBase {
   // cuts the file to the array's length and flushes; a failure leaves the
   // file in doubt. Called after a failed write.
   void RestauraDoMemoria(QVUInt uiOffset, HRESULT hrFalha);
-  [[nodiscard]] HRESULT EscreveTudo();
+  // SincronizaLeitura, unless memory holds changes not written (invariant 4).
+  [[nodiscard]] HRESULT SincronizaParaLer();
   // Makes room for uiCapacidade records (the count stays); E_OUTOFMEMORY
   // leaves everything as it was.
   [[nodiscard]] HRESULT Reserva(QVUInt uiCapacidade);

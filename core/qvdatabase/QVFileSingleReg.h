@@ -1,9 +1,12 @@
 // CQVFileSingleReg<T>: a file that holds exactly one record (version
 // records, settings). On disk: the header block, then sizeof(T) bytes.
-// A file that does not exist reads as a record of zero bytes.
+// A file that does not exist reads as a record of zero bytes. Reads and
+// writes first read the file again when another process changed it
+// (QVFileBase.h, invariant 5).
 #pragma once
 
 #include <cstdint>
+#include <mutex>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -19,7 +22,7 @@ class CQVFileSingleRegBase : public CQVFileBase {
   ~CQVFileSingleRegBase() override;
 
   // 1 when the file exists, else 0.
-  QVUInt GetQtdRegistros() override { return m_bArquivoExiste ? 1 : 0; }
+  QVUInt GetQtdRegistros() override;
   std::string GetNomeEstrutura() const override { return m_sNomeEstrutura; }
 
   [[nodiscard]] HRESULT LeRegistro(void* pRegistro);
@@ -28,10 +31,13 @@ class CQVFileSingleRegBase : public CQVFileBase {
 
  protected:
   HRESULT OnInicializa() override;
+  HRESULT LeConteudo(bool bExiste, QVUInt uiTamanho) override;
   std::string NomeClasseLog() const override { return "CQVFileSingleReg<" + m_sNomeEstrutura + ">"; }
   const char* FonteLog() const override { return "core/qvdatabase/QVFileSingleReg"; }
 
  private:
+  // Guards the record: a read may read the file again.
+  std::recursive_mutex m_mutex;
   const std::string m_sNomeEstrutura;
   std::vector<unsigned char> m_Registro;
   bool m_bArquivoExiste = false;

@@ -19,13 +19,18 @@ class CQVGroupFile : public CQVGroupFileBase {
   CQVGroupFile(std::string sPadrao, std::uint32_t eModulo, std::initializer_list<Indice> indices = {})
       : CQVGroupFileBase(std::move(sPadrao), eModulo), m_Indices(indices) {}
 
-  // The member of a month, or null.
-  CQVFile<T>* GetArquivo(std::uint64_t uiChaveNomeArquivo) const {
-    return static_cast<CQVFile<T>*>(Membro(uiChaveNomeArquivo));
+  // The member of a month, or null (a failure to look for it is logged).
+  CQVFile<T>* GetArquivo(std::uint64_t uiChaveNomeArquivo) {
+    CQVFileBase* p = nullptr;
+    static_cast<void>(ProcuraMembro(uiChaveNomeArquivo, &p));
+    return static_cast<CQVFile<T>*>(p);
   }
 
   [[nodiscard]] HRESULT Le(std::uint64_t uiChaveNomeArquivo, QVUInt uiPosicao, T* pRegistro) {
-    CQVFile<T>* p = GetArquivo(uiChaveNomeArquivo);
+    CQVFileBase* pMembro = nullptr;
+    QV_CHECK_ARQ(ProcuraMembro(uiChaveNomeArquivo, &pMembro),
+                 {"uiChaveNomeArquivo", std::to_string(uiChaveNomeArquivo)});
+    auto* p = static_cast<CQVFile<T>*>(pMembro);
     if (p == nullptr)
       QV_RETURN_ARQ(E_QVCR_ARQUIVO_NAO_EXISTE, {"uiChaveNomeArquivo", std::to_string(uiChaveNomeArquivo)});
     QV_CHECK_ARQ(p->Le(uiPosicao, pRegistro), {"uiChaveNomeArquivo", std::to_string(uiChaveNomeArquivo)});
@@ -37,7 +42,10 @@ class CQVGroupFile : public CQVGroupFileBase {
                                     bool* pbExiste, QVUInt* puiPosicaoIndex) {
     *pbExiste = false;
     *puiPosicaoIndex = 0;
-    CQVFile<T>* p = GetArquivo(uiChaveNomeArquivo);
+    CQVFileBase* pMembro = nullptr;
+    QV_CHECK_ARQ(ProcuraMembro(uiChaveNomeArquivo, &pMembro),
+                 {"uiChaveNomeArquivo", std::to_string(uiChaveNomeArquivo)});
+    auto* p = static_cast<CQVFile<T>*>(pMembro);
     if (p == nullptr) return S_OK;
     QV_CHECK_ARQ(p->ExisteIndex(uiColunaIndexacao, uiChave, pbExiste, puiPosicaoIndex),
                  {"uiChaveNomeArquivo", std::to_string(uiChaveNomeArquivo)});

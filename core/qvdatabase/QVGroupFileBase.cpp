@@ -51,8 +51,15 @@ HRESULT CQVGroupFileBase::InicializaMembro(CQVFileBase* pQVFile) {
 }
 
 HRESULT CQVGroupFileBase::OnInicializa() {
+  std::lock_guard lock(m_mutex);
   m_Membros.clear();
   QV_CHECK_ARQ(CQVFileBase::OnInicializa());
+  QV_CHECK_ARQ(IncluiMembrosDoDiretorio(true));
+  return S_OK;
+}
+
+HRESULT CQVGroupFileBase::IncluiMembrosDoDiretorio(bool bReter) {
+  std::lock_guard lock(m_mutex);
   std::string sPathArquivo;
   QV_CHECK_ARQ(CQVDataBaseUtil::GetPathArquivo(this, Prefixo(m_sNomeArquivo), &sPathArquivo));
   const std::string sDiretorio = sPathArquivo.substr(0, sPathArquivo.find_last_of('/'));
@@ -66,9 +73,11 @@ HRESULT CQVGroupFileBase::OnInicializa() {
     if (!CorrespondeAoPadrao(sNome)) continue;
     const std::uint64_t uiChave = ChaveDoNomeArquivo(sNome);
     if (uiChave == 0) QV_RETURN_ARQ(E_QVCR_NOME_ARQUIVO_GROUP_INVALIDO, {"sNome", sNome});
+    if (Membro(uiChave) != nullptr) continue;
     // The name the system knows: the open renames a file found under
     // another letter case.
     std::unique_ptr<CQVFileBase> pQVFile = NewFile(NomeArquivoDaChave(uiChave));
+    pQVFile->SetCargaSemReter(!bReter);
     QV_CHECK_ARQ(InicializaMembro(pQVFile.get()), {"sNome", sNome});
     m_Membros[uiChave] = std::move(pQVFile);
   }
@@ -76,6 +85,7 @@ HRESULT CQVGroupFileBase::OnInicializa() {
 }
 
 HRESULT CQVGroupFileBase::OnFinaliza() {
+  std::lock_guard lock(m_mutex);
   HRESULT hrPrimeiro = S_OK;
   for (auto& it : m_Membros) {
     const HRESULT hr = it.second->Finaliza();
@@ -89,33 +99,56 @@ HRESULT CQVGroupFileBase::OnFinaliza() {
   return FAILED(hrPrimeiro) ? hrPrimeiro : hr;
 }
 
+// Counts and key lists have no status: a failure to look again (logged)
+// leaves the members known.
 QVUInt CQVGroupFileBase::GetQtdRegistros() {
+  std::lock_guard lock(m_mutex);
+  static_cast<void>(IncluiMembrosDoDiretorio(false));
   QVUInt n = 0;
   for (auto& it : m_Membros) n += it.second->GetQtdRegistros();
   return n;
 }
 
 QVUInt CQVGroupFileBase::GetQtdRegistros(std::uint64_t uiChaveNomeArquivo) {
-  CQVFileBase* p = Membro(uiChaveNomeArquivo);
+  CQVFileBase* p = nullptr;
+  static_cast<void>(ProcuraMembro(uiChaveNomeArquivo, &p));
   return p != nullptr ? p->GetQtdRegistros() : 0;
 }
 
+HRESULT CQVGroupFileBase::ProcuraMembro(std::uint64_t uiChaveNomeArquivo, CQVFileBase** ppMembro) {
+  std::lock_guard lock(m_mutex);
+  *ppMembro = Membro(uiChaveNomeArquivo);
+  if (*ppMembro != nullptr || uiChaveNomeArquivo == 0 || uiChaveNomeArquivo > kQVMesAnoMaximo) return S_OK;
+  std::string sPath;
+  QV_CHECK_ARQ(CQVDataBaseUtil::GetPathArquivo(this, NomeArquivoDaChave(uiChaveNomeArquivo), &sPath));
+  if (!QVFileExists(sPath)) return S_OK;
+  QV_CHECK_ARQ(IncluiMembro(uiChaveNomeArquivo, ppMembro, false),
+               {"uiChaveNomeArquivo", std::to_string(uiChaveNomeArquivo)});
+  return S_OK;
+}
+
 CQVFileBase* CQVGroupFileBase::Membro(std::uint64_t uiChaveNomeArquivo) const {
+  std::lock_guard lock(m_mutex);
   const auto it = m_Membros.find(uiChaveNomeArquivo);
   return it != m_Membros.end() ? it->second.get() : nullptr;
 }
 
 HRESULT CQVGroupFileBase::LookupMapFiles(std::uint64_t uiChaveNomeArquivo, IQVFileBase** ppQVFileInterface) {
-  *ppQVFileInterface = Membro(uiChaveNomeArquivo);
+  CQVFileBase* p = nullptr;
+  *ppQVFileInterface = nullptr;
+  QV_CHECK_ARQ(ProcuraMembro(uiChaveNomeArquivo, &p), {"uiChaveNomeArquivo", std::to_string(uiChaveNomeArquivo)});
+  *ppQVFileInterface = p;
   return S_OK;
 }
 
-HRESULT CQVGroupFileBase::IncluiMembro(std::uint64_t uiChaveNomeArquivo, CQVFileBase** ppMembro) {
+HRESULT CQVGroupFileBase::IncluiMembro(std::uint64_t uiChaveNomeArquivo, CQVFileBase** ppMembro, bool bReter) {
+  std::lock_guard lock(m_mutex);
   *ppMembro = Membro(uiChaveNomeArquivo);
   if (*ppMembro != nullptr) return S_OK;
   if (uiChaveNomeArquivo == 0 || uiChaveNomeArquivo > kQVMesAnoMaximo)
     QV_RETURN_ARQ(E_QVCR_NOME_ARQUIVO_GROUP_INVALIDO, {"uiChaveNomeArquivo", std::to_string(uiChaveNomeArquivo)});
   std::unique_ptr<CQVFileBase> pQVFile = NewFile(NomeArquivoDaChave(uiChaveNomeArquivo));
+  pQVFile->SetCargaSemReter(!bReter);
   QV_CHECK_ARQ(InicializaMembro(pQVFile.get()), {"uiChaveNomeArquivo", std::to_string(uiChaveNomeArquivo)});
   *ppMembro = pQVFile.get();
   m_Membros[uiChaveNomeArquivo] = std::move(pQVFile);
@@ -123,18 +156,22 @@ HRESULT CQVGroupFileBase::IncluiMembro(std::uint64_t uiChaveNomeArquivo, CQVFile
 }
 
 HRESULT CQVGroupFileBase::DeletaArquivo() {
+  std::lock_guard lock(m_mutex);
   for (auto& it : m_Membros) QV_CHECK_ARQ(it.second->DeletaArquivo(), {"uiChaveNomeArquivo", std::to_string(it.first)});
   return S_OK;
 }
 
 HRESULT CQVGroupFileBase::DesabilitaControleCriacaoArquivos() {
+  std::lock_guard lock(m_mutex);
   m_bControleDesabilitado = true;
   QV_CHECK_ARQ(CQVFileBase::DesabilitaControleCriacaoArquivos());
   for (auto& it : m_Membros) QV_CHECK_ARQ(it.second->DesabilitaControleCriacaoArquivos());
   return S_OK;
 }
 
-std::vector<std::uint64_t> CQVGroupFileBase::GetChaves() const {
+std::vector<std::uint64_t> CQVGroupFileBase::GetChaves() {
+  std::lock_guard lock(m_mutex);
+  static_cast<void>(IncluiMembrosDoDiretorio(false));
   std::vector<std::uint64_t> chaves;
   for (const auto& it : m_Membros) chaves.push_back(it.first);
   return chaves;

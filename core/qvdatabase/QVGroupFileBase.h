@@ -8,11 +8,20 @@
 // E_QVCR_NOME_ARQUIVO_GROUP_INVALIDO. Members are kept, and finalised, in
 // key order, i.e. in month order. Writing to a key without a member creates
 // that month's file.
+//
+// Another process may create a month's file after the initialisation: a
+// read or look-up of a month without a member looks for its file on disk,
+// and the listing of every member (GetChaves, the total count) looks at the
+// directory again. A member found so is loaded without being held (the file
+// is held from its first write here), as a read never takes the place of
+// another process's writer. A write to a month without a member loads what
+// is on disk before it writes.
 #pragma once
 
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -29,11 +38,13 @@ class CQVGroupFileBase : public CQVFileBase {
   QVUInt GetQtdRegistros(std::uint64_t uiChaveNomeArquivo);
   // The member of a key, or null.
   [[nodiscard]] HRESULT LookupMapFiles(std::uint64_t uiChaveNomeArquivo, IQVFileBase** ppQVFileInterface);
+  // The member of a key (null when the month has no file).
+  [[nodiscard]] HRESULT ProcuraMembro(std::uint64_t uiChaveNomeArquivo, CQVFileBase** ppMembro);
   // Deletes every member's file.
   [[nodiscard]] HRESULT DeletaArquivo() override;
   [[nodiscard]] HRESULT DesabilitaControleCriacaoArquivos() override;
 
-  std::vector<std::uint64_t> GetChaves() const;
+  std::vector<std::uint64_t> GetChaves();
   // The member name of a key, and the key of a member name (0: not a name of
   // this group).
   std::string NomeArquivoDaChave(std::uint64_t uiChaveNomeArquivo) const;
@@ -49,13 +60,20 @@ class CQVGroupFileBase : public CQVFileBase {
   const char* FonteLog() const override { return "core/qvdatabase/QVGroupFileBase"; }
 
   // The member of a key, made and initialised (its file created at its
-  // first write) when there is none yet.
-  [[nodiscard]] HRESULT IncluiMembro(std::uint64_t uiChaveNomeArquivo, CQVFileBase** ppMembro);
+  // first write) when there is none yet; bReter false loads it without
+  // holding its file.
+  [[nodiscard]] HRESULT IncluiMembro(std::uint64_t uiChaveNomeArquivo, CQVFileBase** ppMembro, bool bReter = true);
   CQVFileBase* Membro(std::uint64_t uiChaveNomeArquivo) const;
 
  private:
   [[nodiscard]] HRESULT InicializaMembro(CQVFileBase* pQVFile);
+  // Adds a member for every file of the directory that matches the pattern
+  // and has none yet.
+  [[nodiscard]] HRESULT IncluiMembrosDoDiretorio(bool bReter);
 
+  // Guards the map: reads may add members. A member, once in, stays until
+  // the group is finalised, so the pointers handed out stay valid.
+  mutable std::recursive_mutex m_mutex;
   std::map<std::uint64_t, std::unique_ptr<CQVFileBase>> m_Membros;
   bool m_bControleDesabilitado = false;
 };

@@ -22,9 +22,19 @@ CQVTextFile::~CQVTextFile() {
   if (EstaInicializado()) QV_LOGA(Finaliza());
 }
 
+// A count and a pointer have no status: a failed reading again (logged)
+// leaves what memory held.
 QVUInt CQVTextFile::GetQtdRegistros() {
   std::lock_guard lock(m_mutex);
+  static_cast<void>(SincronizaLeitura());
   return m_Entradas.size();
+}
+
+const std::vector<CQVTextFile::Entrada>* CQVTextFile::GetPtrRegistros() {
+  std::lock_guard lock(m_mutex);
+  if (!EstaInicializado()) return nullptr;
+  static_cast<void>(SincronizaLeitura());
+  return &m_Entradas;
 }
 
 QVUInt CQVTextFile::FimDosTextos() const {
@@ -36,27 +46,30 @@ QVUInt CQVTextFile::FimDosTextos() const {
 HRESULT CQVTextFile::OnInicializa() {
   std::lock_guard lock(m_mutex);
   m_Entradas.clear();
+  m_bArquivoExiste = false;
   QV_CHECK_ARQ(CQVFileBase::OnInicializa());
-  QVUInt uiTamanho = 0;
-  QV_CHECK_ARQ(AbreParaCarga(&m_bArquivoExiste, &uiTamanho));
+  QV_CHECK_ARQ(Carrega());
+  return S_OK;
+}
+
+HRESULT CQVTextFile::LeConteudo(bool bExiste, QVUInt uiTamanho) {
   std::string dados(static_cast<std::size_t>(uiTamanho), '\0');
   if (uiTamanho > 0) QV_CHECK_ARQ(LeDados(0, dados.data(), dados.size()));
+  std::vector<Entrada> entradas;
   for (QVUInt uiOffset = 0; uiOffset < uiTamanho;) {
-    if (uiTamanho - uiOffset < 4) {
-      m_Entradas.clear();
+    if (uiTamanho - uiOffset < 4)
       QV_RETURN_ARQ(E_QVCR_ARQUIVO_TEXTO_QUANTIDADE_CARACTERES_INVALIDA, {"uiOffset", Num(uiOffset)},
                     {"GetLength", Num(uiTamanho)});
-    }
     const auto* p = reinterpret_cast<const unsigned char*>(dados.data() + uiOffset);
     const QVUInt n = p[0] | (p[1] << 8) | (p[2] << 16) | (static_cast<QVUInt>(p[3]) << 24);
-    if (uiTamanho - uiOffset - 4 < n) {
-      m_Entradas.clear();
+    if (uiTamanho - uiOffset - 4 < n)
       QV_RETURN_ARQ(E_QVCR_ARQUIVO_TEXTO_QUANTIDADE_CARACTERES_INVALIDA, {"uiOffset", Num(uiOffset)},
                     {"n", Num(n)}, {"GetLength", Num(uiTamanho)});
-    }
-    m_Entradas.push_back({uiOffset, dados.substr(static_cast<std::size_t>(uiOffset + 4), static_cast<std::size_t>(n))});
+    entradas.push_back({uiOffset, dados.substr(static_cast<std::size_t>(uiOffset + 4), static_cast<std::size_t>(n))});
     uiOffset += 4 + n;
   }
+  m_Entradas = std::move(entradas);
+  m_bArquivoExiste = bExiste;
   return S_OK;
 }
 
@@ -70,6 +83,7 @@ HRESULT CQVTextFile::OnFinaliza() {
 HRESULT CQVTextFile::Le(QVUInt uiPosicao, std::string* psTexto) {
   std::lock_guard lock(m_mutex);
   if (uiPosicao == 0) QV_RETURN_ARQ(E_QVCR_TENTATIVA_LER_POSICAO_ZERO);
+  QV_CHECK_ARQ(SincronizaLeitura(), {"uiPosicao", Num(uiPosicao)});
   if (!m_bArquivoExiste) QV_RETURN_ARQ(E_QVCR_ARQUIVO_NAO_EXISTE, {"uiPosicao", Num(uiPosicao)});
   if (uiPosicao > m_Entradas.size())
     QV_RETURN_ARQ(E_QVCR_POSICAO_LEITURA_SUPERIOR_QUANTIDADE_ARQUIVO, {"uiPosicao", Num(uiPosicao)},
@@ -106,13 +120,24 @@ bool CQVTextFile::DeveExecutarShrink(QVUInt uiPosicao, const std::vector<std::st
 
 HRESULT CQVTextFile::GravaColecao(QVUInt& uiPosicao, const std::vector<std::string>& aRegistros) {
   std::lock_guard lock(m_mutex);
-  if (uiPosicao > m_Entradas.size() + 1)
-    QV_RETURN_ARQ(E_QVCR_POSICAO_GRAVACAO_SUPERIOR_QUANTIDADE_ARQUIVO, {"uiPosicao", Num(uiPosicao)},
-                  {"aRegistros.size()", Num(aRegistros.size())}, {"GetQtdRegistros()", Num(m_Entradas.size())});
-  if (aRegistros.empty() || !PrecisaGravar(uiPosicao, aRegistros)) return S_OK;
+  QV_CHECK_ARQ(SincronizaLeitura(), {"uiPosicao", Num(uiPosicao)});
+  // Decided before the open (a write that writes nothing creates no file)
+  // and, when the open found the file changed by another process, again
+  // against what it holds.
+  for (bool bAberto = false;;) {
+    if (uiPosicao > m_Entradas.size() + 1)
+      QV_RETURN_ARQ(E_QVCR_POSICAO_GRAVACAO_SUPERIOR_QUANTIDADE_ARQUIVO, {"uiPosicao", Num(uiPosicao)},
+                    {"aRegistros.size()", Num(aRegistros.size())}, {"GetQtdRegistros()", Num(m_Entradas.size())});
+    if (aRegistros.empty() || !PrecisaGravar(uiPosicao, aRegistros)) return S_OK;
+    if (bAberto) break;
+    QV_CHECK_ARQ(AbreArquivo(EQVDataBase_ModoAbertura::eModoLeituraGravacaoCriacao), {"uiPosicao", Num(uiPosicao)});
+    QV_CHECK_ARQ(PodeGravar(), {"uiPosicao", Num(uiPosicao)});
+    bool bRecarregado = false;
+    QV_CHECK_ARQ(SincronizaGravacao(&bRecarregado), {"uiPosicao", Num(uiPosicao)});
+    bAberto = true;
+    if (!bRecarregado) break;
+  }
   if (DeveGravarNoFinal(uiPosicao, aRegistros)) uiPosicao = 0;
-  QV_CHECK_ARQ(AbreArquivo(EQVDataBase_ModoAbertura::eModoLeituraGravacaoCriacao), {"uiPosicao", Num(uiPosicao)});
-  QV_CHECK_ARQ(PodeGravar(), {"uiPosicao", Num(uiPosicao)});
   m_bArquivoExiste = true;
   QV_CHECK_ARQ(GravaRegistros(uiPosicao, aRegistros), {"uiPosicao", Num(uiPosicao)},
                {"aRegistros.size()", Num(aRegistros.size())});
@@ -172,17 +197,21 @@ void CQVTextFile::RestauraDoMemoria(QVUInt uiOffset, HRESULT hrFalha) {
 }
 
 HRESULT CQVTextFile::ExecutaShrink(QVUInt uiPosicao, const std::vector<std::string>& aRegistros) {
-  // The old entries stay at hand until the compacted file is on disk.
-  std::vector<Entrada> antigas = m_Entradas;
-  if (uiPosicao - 1 + aRegistros.size() > m_Entradas.size()) m_Entradas.resize(uiPosicao - 1 + aRegistros.size());
-  for (std::size_t i = 0; i < aRegistros.size(); ++i) m_Entradas[uiPosicao - 1 + i].sTexto = aRegistros[i];
-  HRESULT hr = TruncaDados(0);
-  if (SUCCEEDED(hr)) hr = EscreveDesde(0);
-  if (FAILED(hr)) {
-    m_Entradas = std::move(antigas);
-    RestauraDoMemoria(0, hr);
-    LogaFalha(__func__, __LINE__, "EscreveDesde(0)", hr, {{"uiPosicao", Num(uiPosicao)}});
-    return hr;
+  // The entries the compacted file will have; memory keeps the old ones
+  // until the new file has taken the old one's place.
+  std::vector<Entrada> novas = m_Entradas;
+  if (uiPosicao - 1 + aRegistros.size() > novas.size()) novas.resize(uiPosicao - 1 + aRegistros.size());
+  for (std::size_t i = 0; i < aRegistros.size(); ++i) novas[uiPosicao - 1 + i].sTexto = aRegistros[i];
+  std::string dados;
+  for (Entrada& e : novas) {
+    e.uiOffset = dados.size();
+    Anexa(dados, e.sTexto);
   }
-  return S_OK;
+  bool bSubstituido = false;
+  const HRESULT hr = SubstituiDados(dados.data(), dados.size(), &bSubstituido);
+  if (bSubstituido) m_Entradas = std::move(novas);
+  if (FAILED(hr))
+    LogaFalha(__func__, __LINE__, "SubstituiDados(dados.data(), dados.size(), &bSubstituido)", hr,
+              {{"uiPosicao", Num(uiPosicao)}});
+  return hr;
 }

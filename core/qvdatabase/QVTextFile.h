@@ -12,10 +12,14 @@
 //  - a run that lies within the existing texts and holds a longer text is
 //    appended at the end and gets new positions (the old texts keep theirs);
 //  - a shorter text compacts the whole file (ExecutaShrink): positions stay,
-//    offsets change.
+//    offsets change. The compacted file is written as a copy and put in the
+//    file's place with one rename (QVFileBase.h, invariant 7): a crash
+//    leaves every text of the old file or of the new one.
 // Invariants: the entries in memory equal the file's texts, offset for
-// offset, after every call that returned; a failed write is rolled back on
-// disk from memory (QVFileBase.h, invariant 3).
+// offset, as they were at the snapshot (QVFileBase.h, invariant 5), after
+// every call that returned; a failed write is rolled back on disk from
+// memory (QVFileBase.h, invariant 3). Every read first reads the file again
+// if another process changed it; every write does so once it holds the file.
 #pragma once
 
 #include <cstdint>
@@ -45,12 +49,14 @@ class CQVTextFile : public CQVFileBase {
   bool PrecisaGravar(QVUInt uiPosicao, const std::vector<std::string>& aRegistros);
   bool DeveGravarNoFinal(QVUInt uiPosicao, const std::vector<std::string>& aRegistros);
   bool DeveExecutarShrink(QVUInt uiPosicao, const std::vector<std::string>& aRegistros);
-  // Every entry, in position order; null when the file is not initialised.
-  const std::vector<Entrada>* GetPtrRegistros() const { return EstaInicializado() ? &m_Entradas : nullptr; }
+  // Every entry, in position order, valid until the next call on this file;
+  // null when the file is not initialised.
+  const std::vector<Entrada>* GetPtrRegistros();
 
  protected:
   HRESULT OnInicializa() override;
   HRESULT OnFinaliza() override;
+  HRESULT LeConteudo(bool bExiste, QVUInt uiTamanho) override;
   std::string NomeClasseLog() const override { return "CQVTextFile"; }
   const char* FonteLog() const override { return "core/qvdatabase/QVTextFile"; }
 

@@ -280,43 +280,21 @@ TEST(QVOsFile, LeituraEscritaETamanho) {
   auto arquivo = QVCreateRealOsFile();
   ASSERT_EQ(ErroAoAbrir(*arquivo, caminho, kEscritaCria), 0u);
   ASSERT_TRUE(arquivo->Write("0123456789", 10));
-  EXPECT_EQ(arquivo->Position(), 10u);
-  ASSERT_TRUE(arquivo->Seek(3));
   char buf[16] = {};
   std::size_t lidos = 0;
-  ASSERT_TRUE(arquivo->Read(buf, 4, &lidos));
-  EXPECT_EQ(std::string(buf, lidos), "3456");
-  EXPECT_EQ(arquivo->Position(), 7u);
-  ASSERT_TRUE(arquivo->Read(buf, sizeof buf, &lidos));
+  // Reads move the position as far as they got; the end reads nothing.
+  ASSERT_TRUE(arquivo->Seek(7) && arquivo->Read(buf, sizeof buf, &lidos));
   EXPECT_EQ(std::string(buf, lidos), "789");
   ASSERT_TRUE(arquivo->Read(buf, sizeof buf, &lidos));
   EXPECT_EQ(lidos, 0u);
-
   // Shrinking and growing; the grown part reads as zeros.
-  ASSERT_TRUE(arquivo->SetLength(4));
-  std::uint64_t tamanho = 0;
-  ASSERT_TRUE(arquivo->GetLength(&tamanho));
-  EXPECT_EQ(tamanho, 4u);
-  ASSERT_TRUE(arquivo->SetLength(6));
-  ASSERT_TRUE(arquivo->Seek(0));
-  ASSERT_TRUE(arquivo->Read(buf, sizeof buf, &lidos));
-  EXPECT_EQ(std::string(buf, lidos), std::string("0123\0\0", 6));
-  std::uint64_t fim = 0;
-  ASSERT_TRUE(arquivo->SeekToEnd(&fim));
-  EXPECT_EQ(fim, 6u);
-  ASSERT_TRUE(arquivo->Write("ab", 2));
-  ASSERT_TRUE(arquivo->Flush());
+  ASSERT_TRUE(arquivo->SetLength(4) && arquivo->SetLength(6) && arquivo->Flush());
   arquivo->Close();
-  EXPECT_EQ(QVTesteLeArquivo(caminho), std::string("0123\0\0ab", 8));
-
+  EXPECT_EQ(QVTesteLeArquivo(caminho), std::string("0123\0\0", 6));
   // A read-only handle reads but neither writes nor changes the length.
   ASSERT_EQ(ErroAoAbrir(*arquivo, caminho, kLeitura), 0u);
-  EXPECT_FALSE(arquivo->Write("x", 1));
+  EXPECT_FALSE(arquivo->Write("x", 1) || arquivo->SetLength(0));
   EXPECT_EQ(arquivo->LastError(), ERROR_ACCESS_DENIED);
-  EXPECT_FALSE(arquivo->SetLength(0));
-  EXPECT_EQ(arquivo->LastError(), ERROR_ACCESS_DENIED);
-  ASSERT_TRUE(arquivo->Read(buf, 4, &lidos));
-  EXPECT_EQ(lidos, 4u);
 }
 
 TEST(QVOsFile, CriacaoTruncamentoEErrosDeAbertura) {
@@ -329,6 +307,10 @@ TEST(QVOsFile, CriacaoTruncamentoEErrosDeAbertura) {
   EXPECT_EQ(ErroAoAbrir(*arquivo, dir, kLeitura), ERROR_ACCESS_DENIED);
   EXPECT_EQ(ErroAoAbrir(*arquivo, dir, kEscritaCria), ERROR_ACCESS_DENIED);
 
+  ASSERT_EQ(ErroAoAbrir(*arquivo, dir + "/novo.dat", kEscritaCria), 0u);
+  struct stat st {};
+  ASSERT_EQ(::stat((dir + "/novo.dat").c_str(), &st), 0);
+  EXPECT_EQ(st.st_mode & 0027, 0u);  // company data: nothing for others, no writing for the group
   Grava(caminho, "abc");
   ASSERT_EQ(ErroAoAbrir(*arquivo, caminho, kEscritaCria), 0u);  // NO_TRUNCATE keeps the content
   arquivo->Close();
@@ -352,6 +334,9 @@ TEST(QVOsFile, DiretoriosEListagem) {
   const std::string base = QVTesteNovoDiretorio("diretorios");
   ASSERT_EQ(QVCreateDirectories(base + "/a/b/c"), S_OK);
   ASSERT_EQ(QVCreateDirectories(base + "/a/b/c"), S_OK);  // existing is fine
+  struct stat st {};
+  ASSERT_EQ(::stat((base + "/a/b").c_str(), &st), 0);
+  EXPECT_EQ(st.st_mode & 0027, 0u);
   Grava(base + "/a/b/z.dat", "");
   Grava(base + "/a/b/Y.dat", "");
   Grava(base + "/a/b/y.dat", "");
@@ -365,3 +350,38 @@ TEST(QVOsFile, DiretoriosEListagem) {
   EXPECT_EQ(QVSyncDirectory(base + "/falta"), HRESULT_FROM_WIN32(ERROR_PATH_NOT_FOUND));
 }
 
+
+// The content lock: readers share it, a writer has it alone (two handles of
+// one process conflict as two processes do), a wait is bounded. The identity
+// tells a changed length and a replaced file from the file that was read.
+TEST(QVOsFile, TravaDeConteudoEIdentidade) {
+  const std::string dir = QVTesteNovoDiretorio("trava");
+  const std::string caminho = dir + "/dados.dat";
+  auto escritor = QVCreateRealOsFile();
+  auto leitor = QVCreateRealOsFile();
+  auto outro = QVCreateRealOsFile();
+  ASSERT_EQ(ErroAoAbrir(*escritor, caminho, kEscritaCria), 0u);
+  ASSERT_EQ(ErroAoAbrir(*leitor, caminho, kLeitura), 0u);
+  ASSERT_EQ(ErroAoAbrir(*outro, caminho, kLeitura), 0u);
+  ASSERT_TRUE(leitor->LockContent(false, 0) && outro->LockContent(false, 0));
+  EXPECT_FALSE(escritor->LockContent(true, 5));
+  EXPECT_EQ(escritor->LastError(), ERROR_LOCK_VIOLATION);
+  leitor->UnlockContent();
+  outro->Close();  // releases its share
+  ASSERT_TRUE(escritor->LockContent(true, 0));
+  EXPECT_FALSE(leitor->LockContent(false, 0));
+
+  QVFileIdentity antes, depois;
+  ASSERT_TRUE(leitor->GetIdentity(&antes) && escritor->Write("abc", 3));
+  leitor->Close();
+  escritor->Close();
+  ASSERT_EQ(QVGetFileIdentity(caminho, &depois), S_OK);
+  EXPECT_EQ(depois.uiLength, 3u);
+  EXPECT_EQ(depois.uiInode, antes.uiInode);
+  Grava(dir + "/copia.tra", "abc");
+  ASSERT_EQ(QVMoveFile(dir + "/copia.tra", caminho), S_OK);
+  ASSERT_EQ(QVGetFileIdentity(caminho, &antes), S_OK);
+  EXPECT_NE(antes.uiInode, depois.uiInode);
+  ASSERT_EQ(QVGetFileIdentity(dir + "/ausente.dat", &antes), S_OK);
+  EXPECT_FALSE(antes.bExists);
+}

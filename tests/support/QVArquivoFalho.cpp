@@ -1,5 +1,52 @@
 #include "tests/support/QVArquivoFalho.h"
 
+#include <atomic>
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <mutex>
+#include <sstream>
+#include <thread>
+
+struct CQVArquivoFalho::Estado {
+  QVPlanoFalhas plano;
+  std::atomic<int> escritas{0}, flushes{0}, tamanhos{0}, aberturas{0}, falhas{0}, operacoes{0};
+  std::atomic<bool> caiu{false};
+  // Per path: what the file held at its last flush (or when first opened),
+  // and whether it was written since.
+  std::mutex mutex;
+  std::map<std::string, std::pair<std::string, bool>> duraveis;
+
+  enum Evento { kAbriu, kEscreveu, kSincronizou };
+  void Registra(const std::string& caminho, Evento e) {
+    std::lock_guard lock(mutex);
+    const auto [it, bNovo] = duraveis.try_emplace(caminho);
+    if (bNovo || e == kSincronizou) {
+      std::stringstream ss;
+      ss << std::ifstream(caminho, std::ios::binary).rdbuf();
+      it->second.first = ss.str();
+    }
+    it->second.second = e == kEscreveu || (e == kAbriu && !bNovo && it->second.second);
+  }
+  // Renames are synced: the file keeps what it held, under its new name.
+  void Renomeia(const std::string& de, const std::string& para) {
+    std::lock_guard lock(mutex);
+    if (auto no = duraveis.extract(de)) duraveis.insert_or_assign(para, std::move(no.mapped()));
+  }
+  // One more operation; false when a crash stops it (the crash happens at
+  // the planned one).
+  bool Conta() {
+    if (caiu || ++operacoes != plano.iCrashNaOperacao) return !caiu;
+    std::lock_guard lock(mutex);
+    for (const auto& [caminho, d] : duraveis)
+      if (plano.bCrashPerdeNaoSincronizado && d.second && std::filesystem::exists(caminho))
+        std::ofstream(caminho, std::ios::binary | std::ios::trunc) << d.first;
+    caiu = true;
+    return false;
+  }
+};
+
 namespace {
 
 bool Falha(int n, int alvo, bool daiEmDiante) { return alvo > 0 && (n == alvo || (daiEmDiante && n > alvo)); }
@@ -9,7 +56,13 @@ class CArquivoFalho final : public IQVOsFile {
   explicit CArquivoFalho(std::shared_ptr<CQVArquivoFalho::Estado> estado)
       : m_Real(QVCreateRealOsFile()), m_Estado(std::move(estado)) {}
 
-  bool Open(const std::string& path, std::uint32_t flags) override { return Real(m_Real->Open(path, flags)); }
+  bool Open(const std::string& path, std::uint32_t flags) override {
+    if (!m_Estado->Conta() || Falha(++m_Estado->aberturas, Plano().iFalharAbertura, Plano().bFalharDaiEmDiante))
+      return Injeta();
+    if (!Real(m_Real->Open(path, flags))) return false;
+    m_Estado->Registra(m_Real->Path(), CQVArquivoFalho::Estado::kAbriu);
+    return true;
+  }
   void Close() override { m_Real->Close(); }
   bool IsOpen() const override { return m_Real->IsOpen(); }
   const std::string& Path() const override { return m_Real->Path(); }
@@ -18,35 +71,47 @@ class CArquivoFalho final : public IQVOsFile {
   std::uint64_t Position() const override { return m_Real->Position(); }
   bool Read(void* b, std::size_t n, std::size_t* pRead) override { return Real(m_Real->Read(b, n, pRead)); }
   bool GetLength(std::uint64_t* p) override { return Real(m_Real->GetLength(p)); }
+  bool GetIdentity(QVFileIdentity* p) override { return Real(m_Real->GetIdentity(p)); }
+  bool LockContent(bool b, std::uint32_t ms) override { return Real(m_Real->LockContent(b, ms)); }
+  void UnlockContent() override { m_Real->UnlockContent(); }
 
   bool Write(const void* b, std::size_t n) override {
-    const QVPlanoFalhas& p = m_Estado->plano;
-    if (Falha(++m_Estado->escritas, p.iFalharEscrita, p.bFalharDaiEmDiante)) {
-      if (p.bEscritaParcial && n > 1) m_Real->Write(b, n / 2);
+    if (!m_Estado->Conta()) return Injeta();
+    m_Estado->Registra(m_Real->Path(), CQVArquivoFalho::Estado::kEscreveu);
+    if (Falha(++m_Estado->escritas, Plano().iFalharEscrita, Plano().bFalharDaiEmDiante)) {
+      if (Plano().bEscritaParcial && n > 1) m_Real->Write(b, n / 2);
       return Injeta();
     }
-    return Real(m_Real->Write(b, n));
+    const bool ok = Real(m_Real->Write(b, n));
+    std::this_thread::sleep_for(std::chrono::milliseconds(Plano().iPausaAposEscritaMs));
+    return ok;
   }
   bool SetLength(std::uint64_t length) override {
-    const QVPlanoFalhas& p = m_Estado->plano;
-    if (Falha(++m_Estado->tamanhos, p.iFalharTamanho, p.bFalharDaiEmDiante)) return Injeta();
+    if (!m_Estado->Conta()) return Injeta();
+    m_Estado->Registra(m_Real->Path(), CQVArquivoFalho::Estado::kEscreveu);
+    if (Falha(++m_Estado->tamanhos, Plano().iFalharTamanho, Plano().bFalharDaiEmDiante)) return Injeta();
     return Real(m_Real->SetLength(length));
   }
+  // The double decides what a crash keeps: the disk's own sync would only
+  // slow the tests down.
   bool Flush() override {
-    const QVPlanoFalhas& p = m_Estado->plano;
-    if (Falha(++m_Estado->flushes, p.iFalharFlush, p.bFalharDaiEmDiante)) return Injeta();
-    return Real(m_Real->Flush());
+    if (!m_Estado->Conta() || Falha(++m_Estado->flushes, Plano().iFalharFlush, Plano().bFalharDaiEmDiante))
+      return Injeta();
+    if (!m_Real->IsOpen()) return Real(m_Real->Flush());
+    m_Estado->Registra(m_Real->Path(), CQVArquivoFalho::Estado::kSincronizou);
+    return Real(true);
   }
   std::uint32_t LastError() const override { return m_ulErro; }
 
  private:
+  const QVPlanoFalhas& Plano() const { return m_Estado->plano; }
   bool Real(bool ok) {
     m_ulErro = ok ? 0 : m_Real->LastError();
     return ok;
   }
   bool Injeta() {
     ++m_Estado->falhas;
-    m_ulErro = m_Estado->plano.ulErro;
+    m_ulErro = Plano().ulErro;
     return false;
   }
 
@@ -61,6 +126,20 @@ CQVArquivoFalho::CQVArquivoFalho(const QVPlanoFalhas& plano) : m_Estado(std::mak
   m_Estado->plano = plano;
   auto estado = m_Estado;
   QVSetOsFileFactory([estado] { return std::make_unique<CArquivoFalho>(estado); });
+  QVSetOsNameHook([estado](const std::string& de, const std::string& para) -> std::uint32_t {
+    if (!estado->Conta()) return estado->plano.ulErro;
+    if (!para.empty()) estado->Renomeia(de, para);
+    return 0;
+  });
 }
 
-CQVArquivoFalho::~CQVArquivoFalho() { QVSetOsFileFactory({}); }
+CQVArquivoFalho::~CQVArquivoFalho() {
+  QVSetOsNameHook({});
+  QVSetOsFileFactory({});
+}
+
+int CQVArquivoFalho::Escritas() const { return m_Estado->escritas; }
+int CQVArquivoFalho::Flushes() const { return m_Estado->flushes; }
+int CQVArquivoFalho::Falhas() const { return m_Estado->falhas; }
+int CQVArquivoFalho::Operacoes() const { return m_Estado->operacoes; }
+bool CQVArquivoFalho::Caiu() const { return m_Estado->caiu; }

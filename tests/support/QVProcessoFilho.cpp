@@ -1,5 +1,6 @@
 #include "tests/support/QVProcessoFilho.h"
 
+#include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -8,6 +9,8 @@
 namespace {
 // Asks the child to _exit at once.
 constexpr std::int32_t kMorre = INT32_MIN;
+// The child's end of the answers (Publica).
+int g_respostaFilho = -1;
 }  // namespace
 
 CQVProcessoFilho::CQVProcessoFilho(Atende atende) {
@@ -20,11 +23,9 @@ CQVProcessoFilho::CQVProcessoFilho(Atende atende) {
     // would never see the end when the test closes it.
     ::close(cmd[1]);
     ::close(resp[0]);
+    g_respostaFilho = resp[1];
     std::int32_t pedido = 0;
-    while (::read(cmd[0], &pedido, sizeof pedido) == sizeof pedido && pedido != kMorre) {
-      const std::int32_t r = atende(pedido);
-      if (::write(resp[1], &r, sizeof r) != sizeof r) ::_exit(2);
-    }
+    while (::read(cmd[0], &pedido, sizeof pedido) == sizeof pedido && pedido != kMorre) Publica(atende(pedido));
     ::_exit(0);
   }
   ::close(cmd[0]);
@@ -39,16 +40,31 @@ CQVProcessoFilho::~CQVProcessoFilho() {
   if (m_pid > 0) ::waitpid(m_pid, nullptr, 0);
 }
 
-std::int32_t CQVProcessoFilho::Pede(std::int32_t pedido) {
-  std::int32_t r = -1;
-  if (::write(m_cmd, &pedido, sizeof pedido) != sizeof pedido || ::read(m_resp, &r, sizeof r) != sizeof r) return -1;
-  return r;
+void CQVProcessoFilho::Publica(std::int32_t n) {
+  if (::write(g_respostaFilho, &n, sizeof n) != sizeof n) ::_exit(2);
 }
 
+bool CQVProcessoFilho::Envia(std::int32_t pedido) {
+  return ::write(m_cmd, &pedido, sizeof pedido) == sizeof pedido;
+}
+
+std::int32_t CQVProcessoFilho::Resposta() {
+  std::int32_t r = -1;
+  return ::read(m_resp, &r, sizeof r) == sizeof r ? r : -1;
+}
+
+std::int32_t CQVProcessoFilho::Pede(std::int32_t pedido) { return Envia(pedido) ? Resposta() : -1; }
+
 int CQVProcessoFilho::MorreSemFechar() {
-  const std::int32_t pedido = kMorre;
   int status = -1;
-  if (::write(m_cmd, &pedido, sizeof pedido) == sizeof pedido) ::waitpid(m_pid, &status, 0);
+  if (Envia(kMorre)) ::waitpid(m_pid, &status, 0);
   m_pid = -1;
   return status;
+}
+
+void CQVProcessoFilho::Mata() {
+  if (m_pid <= 0) return;
+  ::kill(m_pid, SIGKILL);
+  ::waitpid(m_pid, nullptr, 0);
+  m_pid = -1;
 }

@@ -1,12 +1,18 @@
 // Helpers for the record store's tests: raw file bytes, header patches, a
-// test identity and a small record type.
+// test identity, a small record type, and a folder seen as a company's.
 #pragma once
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
+#include <vector>
 
+#include "core/qvdatabase/CQVDataBase.h"
+#include "core/qvdatabase/QVFile.h"
 #include "core/qvdatabase/QVFormatoCabecalho.h"
+#include "core/qvdatabase/QVGroupFile.h"
+#include "core/qvdatabase/QVTextFile.h"
 #include "df/qvlibex/QVProfilerEmpresa.h"
 
 // 32 bytes, like the small record files of the system.
@@ -29,3 +35,36 @@ void QVTesteGravaBytes(const std::string& caminho, const std::string& bytes);
 void QVTesteAlteraCabecalho(const std::string& caminho, const std::function<void(QVCabecalhoArquivo&)>& altera,
                             bool bCorrigeCrc = true);
 QVCabecalhoArquivo QVTesteLeCabecalho(const std::string& caminho);
+
+// A process's view of a test folder as a company's: every file is opened
+// through a database of its own (kept here, as files point at theirs), with
+// the file-creation control at work, read-only or not. m_hr is the status
+// of the last initialisation.
+class CQVTestePasta {
+ public:
+  explicit CQVTestePasta(std::string dir, bool bSomenteLeitura = false)
+      : m_Dir(std::move(dir)), m_bSomenteLeitura(bSomenteLeitura) {}
+  std::string Caminho(const std::string& nome) const { return m_Dir + "/" + nome; }
+
+  // Records of REG_TESTE, lCodigo a unique key never zero (column 0).
+  std::unique_ptr<CQVFile<REG_TESTE>> Registros(const std::string& nome = "GEATRPS.dat");
+  std::unique_ptr<CQVTextFile> Textos(const std::string& nome = "GeAtDsDe.dat");
+  std::unique_ptr<CQVGroupFile<REG_TESTE>> Meses();
+  // What a file holds, read by an object of its own (nothing when refused).
+  std::vector<std::uint32_t> Codigos(const std::string& nome = "GEATRPS.dat");
+  std::vector<std::string> TextosNoDisco(const std::string& nome = "GeAtDsDe.dat");
+  std::vector<std::string> ListaDoControle();
+
+  HRESULT m_hr = S_OK;
+
+ private:
+  CQVDataBase* Banco();
+  template <class F>
+  std::unique_ptr<F> Inicializa(std::unique_ptr<F> f) {
+    m_hr = f->Inicializa(Banco());
+    return f;
+  }
+  std::string m_Dir;
+  bool m_bSomenteLeitura;
+  std::vector<std::unique_ptr<CQVDataBase>> m_DBs;
+};

@@ -58,8 +58,18 @@ TEST_F(QVArquivosPeriodoTest, RegistroUnico) {
   EXPECT_EQ(r.usVersao, 2);
   v.FechaArquivo();
 
+  // Only a header (its creator died before writing the record): zeros.
+  const std::string bytes = QVTesteBytes(Caminho("GEPROJETOSVS.dat"));
+  QVTesteGravaBytes(Caminho("GEPROJETOSVS.dat"), bytes.substr(0, 240));
+  QVTesteAlteraCabecalho(Caminho("GEPROJETOSVS.dat"), [](QVCabecalhoArquivo& c) { c.uiTamanhoDados = 0; });
+  CQVFileSingleReg<REG_VERSAO> vazio("GEPROJETOSVS.dat", QV_GE);
+  Prepara(vazio);
+  ASSERT_EQ(m_hr, S_OK);
+  ASSERT_EQ(vazio.Le(&r), S_OK);
+  EXPECT_EQ(r.usVersao, 0);
+  vazio.FechaArquivo();
   // One byte too many behind the header (the header agreeing): refused.
-  QVTesteGravaBytes(Caminho("GEPROJETOSVS.dat"), QVTesteBytes(Caminho("GEPROJETOSVS.dat")) + "x");
+  QVTesteGravaBytes(Caminho("GEPROJETOSVS.dat"), bytes + "x");
   QVTesteAlteraCabecalho(Caminho("GEPROJETOSVS.dat"), [](QVCabecalhoArquivo& c) { c.uiTamanhoDados++; });
   CQVFileSingleReg<REG_VERSAO> maior("GEPROJETOSVS.dat", QV_GE);
   Prepara(maior);

@@ -20,31 +20,17 @@ namespace {
 
 class QVControleTest : public ::testing::Test {
  protected:
-  void SetUp() override { m_Dir = QVTesteNovoDiretorio("controle"); }
-  // A file of its own database (kept by the fixture: files point at theirs).
   std::unique_ptr<CQVFile<REG_TESTE>> Arquivo(const std::string& nome = "GEATRPS.dat", bool bSomenteLeitura = false) {
-    auto& db = m_DBs.emplace_back(std::make_unique<CQVDataBase>(QV_GE));
-    db->SetDiretorio(m_Dir);
-    db->SetSomenteLeitura(bSomenteLeitura);
-    EXPECT_EQ(db->Inicializa(&QVTesteIdentidade()), S_OK);
-    auto f = std::make_unique<CQVFile<REG_TESTE>>(nome, QV_GE);
-    m_hr = f->Inicializa(db.get());
+    auto f = (bSomenteLeitura ? m_Leitura : m_Pasta).Registros(nome);
+    m_hr = (bSomenteLeitura ? m_Leitura : m_Pasta).m_hr;
     return f;
   }
-  std::vector<std::string> Lista() {
-    CQVDataBase db(QV_GE);
-    db.SetDiretorio(m_Dir);
-    EXPECT_EQ(db.Inicializa(&QVTesteIdentidade()), S_OK);
-    CQVTextFile ctrl(QVDATABASE_NOME_ARQUIVO_CONTROLE_CRIACAO_ARQUIVOS, QV_GE);
-    EXPECT_EQ(ctrl.Inicializa(&db), S_OK);
-    std::vector<std::string> nomes;
-    for (const auto& e : *ctrl.GetPtrRegistros()) nomes.push_back(e.sTexto);
-    return nomes;
-  }
-  std::string Caminho(const std::string& nome) const { return m_Dir + "/" + nome; }
+  std::vector<std::string> Lista() { return m_Pasta.ListaDoControle(); }
+  std::string Caminho(const std::string& nome) const { return m_Pasta.Caminho(nome); }
 
-  std::string m_Dir;
-  std::vector<std::unique_ptr<CQVDataBase>> m_DBs;
+  std::string m_Dir = QVTesteNovoDiretorio("controle");
+  CQVTestePasta m_Pasta{m_Dir};
+  CQVTestePasta m_Leitura{m_Dir, true};
   HRESULT m_hr = S_OK;
 };
 

@@ -1,10 +1,7 @@
-// The header block: creation, validation, updates, the machine switch, and
-// opens between processes.
+// The header block: creation, validation, updates, the machine switch.
 #include "core/qvdatabase/QVFileBase.h"
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <cstdio>
 #include <cstring>
@@ -93,22 +90,6 @@ TEST_F(QVFileBaseTest, ArquivoVazioGanhaOBlocoDe240Bytes) {
   EXPECT_EQ(c.iCriacao, c.iCriacaoCopia);
   EXPECT_NE(c.iCriacao, 0);
   EXPECT_EQ(c.uiVerificacaoCabecalho, QVCrc64(&c, 208));
-}
-
-TEST_F(QVFileBaseTest, ArquivoAntigoGanhaCabecalhoComOConteudoIntacto) {
-  std::string antigo;
-  for (int i = 0; i < 10000; ++i) antigo.push_back(static_cast<char>(i * 7));
-  QVTesteGravaBytes(Caminho("GeAtStrings.dat"), antigo);
-  ASSERT_EQ(Abre("GeAtStrings.dat", kGrava), S_OK);
-  EXPECT_EQ(m_Seek, 240u);
-  const std::string b = QVTesteBytes(Caminho("GeAtStrings.dat"));
-  ASSERT_EQ(b.size(), antigo.size() + 240);
-  EXPECT_EQ(b.substr(240), antigo);
-  EXPECT_EQ(QVTesteLeCabecalho(Caminho("GeAtStrings.dat")).uiTamanhoDados, antigo.size());
-  EXPECT_FALSE(std::filesystem::exists(Caminho("GeAtStrings.tra")));
-  // And it opens again as a file with a valid header.
-  EXPECT_EQ(Abre("GeAtStrings.dat", kGrava), S_OK);
-  EXPECT_EQ(QVTesteBytes(Caminho("GeAtStrings.dat")), b);
 }
 
 TEST_F(QVFileBaseTest, PreambuloInvalidoEhArquivoSemCabecalho) {
@@ -285,42 +266,4 @@ TEST_F(QVFileBaseTest, VersaoDoArquivoEAtributoSomenteLeitura) {
   EXPECT_EQ(LinhasCom("m_cause = eQVReadOnly"), 1u);
   EXPECT_EQ(Abre("VERSAO.dat", kLe), S_OK);
   ASSERT_EQ(QVSetReadOnly(Caminho("VERSAO.dat"), false), S_OK);
-}
-
-TEST_F(QVFileBaseTest, CopiaTemporariaEsquecidaBloqueiaACriacaoDoCabecalho) {
-  QVTesteGravaBytes(Caminho("PENDENTE.dat"), "conteudo");
-  QVTesteGravaBytes(Caminho("PENDENTE.tra"), "copia interrompida");
-  EXPECT_EQ(Abre("PENDENTE.dat", kGrava), E_QVCR_ARQUIVO_TRA_ENCONTRADO);
-  EXPECT_EQ(QVTesteBytes(Caminho("PENDENTE.dat")), "conteudo");
-  EXPECT_EQ(QVTesteBytes(Caminho("PENDENTE.tra")), "copia interrompida");
-}
-
-// Between processes the sharing of the open modes is the only protection:
-// a writer keeps every other writer out, readers are never refused.
-TEST_F(QVFileBaseTest, CompartilhamentoEntreProcessos) {
-  auto dono = Arquivo("PARTILHADO.dat");
-  ASSERT_EQ(dono->AbreArquivo(kCria), S_OK);
-  int canal[2];
-  ASSERT_EQ(pipe(canal), 0);
-  const pid_t filho = fork();
-  ASSERT_GE(filho, 0);
-  if (filho == 0) {
-    close(canal[0]);
-    HRESULT respostas[2];
-    respostas[0] = Abre("PARTILHADO.dat", kGrava);
-    respostas[1] = Abre("PARTILHADO.dat", kLe);
-    const bool ok = write(canal[1], respostas, sizeof respostas) == sizeof respostas;
-    _exit(ok ? 0 : 1);
-  }
-  close(canal[1]);
-  HRESULT respostas[2] = {};
-  ASSERT_EQ(read(canal[0], respostas, sizeof respostas), static_cast<ssize_t>(sizeof respostas));
-  close(canal[0]);
-  int status = 0;
-  waitpid(filho, &status, 0);
-  EXPECT_EQ(respostas[0], HRESULT_FROM_WIN32(ERROR_SHARING_VIOLATION));
-  EXPECT_EQ(respostas[1], S_OK);
-  // Once the writer is gone, the next writer gets in.
-  dono->FechaArquivo();
-  EXPECT_EQ(Abre("PARTILHADO.dat", kGrava), S_OK);
 }
