@@ -147,6 +147,36 @@ void VerificaMeses(const std::string& sDir, const std::vector<std::string>& nome
   }
 }
 
+// A ".tra" copy left by a process that died before putting it in its
+// file's place. The file itself is whole then (the copy takes its place by
+// a rename). What the copy still blocks depends on whose it is: a
+// compaction replaces its own left-over copy, but the control's copy stops
+// every removal from the control, and a copy beside a file without header
+// stops that header from being made.
+void VerificaCopiaTra(const std::string& sDir, const std::vector<std::string>& nomes, const std::string& sCopia,
+                      std::vector<Achado>* pAchados) {
+  const std::string sBase = sCopia.substr(0, sCopia.size() - 3);
+  const auto itOriginal = std::find_if(nomes.begin(), nomes.end(), [&](const std::string& m) {
+    return m.size() == sCopia.size() && QVNomesIguais(m.substr(0, sBase.size()), sBase) &&
+           QVNomesIguais(CQVDataBaseUtil::Extensao(m), "dat");
+  });
+  const std::string sCaminho = sDir + "/" + sCopia;
+  if (itOriginal == nomes.end()) {
+    Falha(pAchados, sCaminho, E_QVCR_ARQUIVO_TRA_ENCONTRADO,
+          "cópia sem o arquivo de origem: pode ser a única cópia dos dados; examine-a antes de apagar");
+  } else if (QVNomesIguais(*itOriginal, QVDATABASE_NOME_ARQUIVO_CONTROLE_CRIACAO_ARQUIVOS)) {
+    Falha(pAchados, sCaminho, E_QVCR_ARQUIVO_TRA_ENCONTRADO,
+          "impede retirar nomes do controle; o controle está inteiro: apague a cópia com o servidor parado");
+  } else if (!QVVerificaArquivo(sDir + "/" + *itOriginal, EQVTipoConteudo::Desconhecido).bPossuiCabecalho) {
+    Falha(pAchados, sCaminho, E_QVCR_ARQUIVO_TRA_ENCONTRADO,
+          "impede criar o cabeçalho de " + *itOriginal + ", que está inteiro: apague a cópia com o servidor parado");
+  } else {
+    Aviso(pAchados, sCaminho,
+          "cópia deixada por uma compactação interrompida; " + *itOriginal +
+              " está inteiro e a próxima compactação substitui a cópia");
+  }
+}
+
 // The checks of a company's directory as a whole: month files, the
 // file-creation control, left-over copies and marks.
 void VerificaDiretorio(const std::string& sDir, const std::vector<std::string>& nomes, std::vector<Achado>* pAchados) {
@@ -162,9 +192,7 @@ void VerificaDiretorio(const std::string& sDir, const std::vector<std::string>& 
                 " e ausente do disco (zelkorin db control)");
 
   for (const std::string& n : nomes) {
-    // A copy left by an interrupted rewrite or header creation.
-    if (QVNomesIguais(CQVDataBaseUtil::Extensao(n), "tra"))
-      Falha(pAchados, sDir + "/" + n, E_QVCR_ARQUIVO_TRA_ENCONTRADO, QVDescricaoHResult(E_QVCR_ARQUIVO_TRA_ENCONTRADO));
+    if (QVNomesIguais(CQVDataBaseUtil::Extensao(n), "tra")) VerificaCopiaTra(sDir, nomes, n, pAchados);
     // Marks: held by a running process, or left by one that ended. A
     // read-only open that denies nothing tells them apart without touching
     // the file: only a holder refuses it.
