@@ -17,12 +17,10 @@
 #include <mutex>
 #include <thread>
 
-#include "df/qvlibex/QVProfilerLog.h"
 #include "core/QVRPCDLL/IQVUnknown.h"
 #include "ge/zelkorin/transport/CQVConexaoZelkorin.h"
 #include "ge/zelkorin/ZelkorinClasses.h"
 #include "ge/zelkorin/transport/ZelkorinRpcServidor.h"
-#include "platform/QVMachineSettings.h"
 #include "suite/hostlink/QVSessaoSuite.h"
 #include "tests/support/QVTestSupport.h"
 
@@ -40,16 +38,13 @@ std::string Argumento(int argc, char** argv, const char* nome) {
   return {};
 }
 
-void DiretoriosDoTeste() {
-  const std::string& dir = QVTesteDiretorio();
-  QVProfilerDefineDiretorioBase(dir);
-  QVMachineSettingsSetPath(dir + "/registry.json");
-  // Not the test's own data root: the test may hold the same files open.
-  QVDefineRaizDados(dir + "/dados-servidor");
-}
+// The test main pointed the settings and the log into the test's
+// directory already; the data root is not the test's own, as the test may
+// hold the same files open.
+void RaizDoPapel() { QVDefineRaizDados(QVTesteDiretorio() + "/dados-servidor"); }
 
 int Servidor(int argc, char** argv) {
-  DiretoriosDoTeste();
+  RaizDoPapel();
   const auto it = Personalidades().find(Argumento(argc, argv, "--servidor-teste"));
   if (it == Personalidades().end()) return 3;
   it->second();
@@ -71,7 +66,7 @@ int Servidor(int argc, char** argv) {
 }
 
 int Cliente(int argc, char** argv) {
-  DiretoriosDoTeste();
+  RaizDoPapel();
   QVOpcoesConexao opcoes;
   opcoes.sSocket = Argumento(argc, argv, "--socket");
   const std::optional<GUID> clsid = QVGuidParse(Argumento(argc, argv, "--classe"));
@@ -97,6 +92,8 @@ void RegistraClassesReais() {
 QV_TESTE_PERSONALIDADE("zelkorin", RegistraClassesReais);
 
 const bool g_papeis = QVTesteRegistraPapel(QVTesteExecutaPapel);
+
+std::atomic<int> g_sockets{0};  // each server of the run on its own socket
 
 }  // namespace
 
@@ -185,24 +182,13 @@ int CQVProcessoTeste::Espera(int msLimite) {
 
 std::string CQVProcessoTeste::Erros() const { return QVTesteLeArquivo(m_sArquivoErros); }
 
-std::string CQVServidorTeste::NovoSocket() {
-  static std::atomic<int> s_n{0};
-  return QVTesteDiretorio() + "/s" + std::to_string(++s_n) + ".sock";
-}
-
-namespace {
-std::vector<std::string> ArgumentosServidor(const std::string& personalidade, const std::string& socket,
-                                            const std::vector<std::string>& extras) {
-  std::vector<std::string> a{"--servidor-teste", personalidade, "--socket", socket};
-  a.insert(a.end(), extras.begin(), extras.end());
-  return a;
-}
-}  // namespace
-
-CQVServidorTeste::CQVServidorTeste(const std::string& personalidade, const std::vector<std::string>& extras)
-    : m_sSocket(NovoSocket()), m_Processo(ArgumentosServidor(personalidade, m_sSocket, extras)) {
-  m_bPronto = m_Processo.EsperaLinha("pronto");
-}
+CQVServidorTeste::CQVServidorTeste(const std::string& personalidade, std::vector<std::string> extras)
+    : m_sSocket(QVTesteDiretorio() + "/s" + std::to_string(++g_sockets) + ".sock"),
+      m_Processo([&] {
+        extras.insert(extras.begin(), {"--servidor-teste", personalidade, "--socket", m_sSocket});
+        return extras;
+      }()),
+      m_bPronto(m_Processo.EsperaLinha("pronto")) {}
 
 void* QVTesteMemoriaCompartilhada(const std::string& nome, std::size_t tamanho) {
   static std::mutex s_mutex;
@@ -220,6 +206,12 @@ void* QVTesteMemoriaCompartilhada(const std::string& nome, std::size_t tamanho) 
   if (p == MAP_FAILED) std::abort();
   s_mapas[nome] = p;
   return p;
+}
+
+std::size_t QVTesteLinhasCom(const std::string& trecho) {
+  std::size_t n = 0;
+  for (const std::string& l : QVTesteLinhasErro()) n += l.find(trecho) != std::string::npos;
+  return n;
 }
 
 bool QVTesteEsperaQue(const std::function<bool()>& cond, int msLimite) {

@@ -63,16 +63,15 @@ class CQVProcessoTeste {
 // the server ("--max-elementos", "10", "--listen", "0", ...).
 class CQVServidorTeste {
  public:
-  explicit CQVServidorTeste(const std::string& personalidade, const std::vector<std::string>& extras = {});
+  explicit CQVServidorTeste(const std::string& personalidade, std::vector<std::string> extras = {});
   bool Pronto() const { return m_bPronto; }
   const std::string& Socket() const { return m_sSocket; }
   CQVProcessoTeste& Processo() { return m_Processo; }
 
  private:
-  static std::string NovoSocket();
   std::string m_sSocket;
   CQVProcessoTeste m_Processo;
-  bool m_bPronto = false;
+  bool m_bPronto;
 };
 
 // A block of memory shared by every process of the test run (a file in the
@@ -83,6 +82,9 @@ template <class T>
 T& QVTesteCompartilhado(const std::string& nome) {
   return *static_cast<T*>(QVTesteMemoriaCompartilhada(nome, sizeof(T)));
 }
+
+// How many lines of the error log, the servers' included, hold that text.
+std::size_t QVTesteLinhasCom(const std::string& trecho);
 
 // Waits until cond() holds, polling; false when the time ran out.
 bool QVTesteEsperaQue(const std::function<bool()>& cond, int msLimite = 20000);

@@ -40,14 +40,10 @@ void Amostra(const QVDescritorRegistro& d, unsigned char* r, std::uint32_t& esta
         continue;
     }
     std::memcpy(r + c.offset, &p, sizeof p);
+    // The count, of 2 or 4 bytes, little-endian like the machine.
     if (c.tipo == EQVCampoPonteiro::Array || c.tipo == EQVCampoPonteiro::Registros) {
       if (p == nullptr) n = 0;
-      if (c.largContagem == 2) {
-        const auto n16 = static_cast<std::uint16_t>(n);
-        std::memcpy(r + c.offContagem, &n16, 2);
-      } else {
-        std::memcpy(r + c.offContagem, &n, 4);
-      }
+      std::memcpy(r + c.offContagem, &n, c.largContagem);
     }
   }
 }

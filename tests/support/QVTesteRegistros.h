@@ -30,8 +30,6 @@ T Zerado() {
   return r;
 }
 
-inline void Texto(_REG_DF_TEXTOPS& t, std::string_view s) { ASSERT_EQ(QVTextoPsDefine(&t, s), S_OK); }
-
 // A record of any kind with everything its descriptor lists present: fixed
 // bytes (fillers and all) from a pattern of the seed, one to three elements
 // in each array (two levels of nested records), texts with their

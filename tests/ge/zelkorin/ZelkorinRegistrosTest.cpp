@@ -75,8 +75,7 @@ TEST(ZelkorinRegistros, PonteiroNuloComContagemCopiaComoVazio) {
   ASSERT_GT(a.lQtdRepresentante, 0u);
   CoTaskMemFree(a.pRepresentante);
   a.pRepresentante = nullptr;  // the count stays
-  const std::uint32_t sessoes = a.pServicos[0].iQuantidadeSessao;
-  ASSERT_GT(sessoes, 0u);
+  ASSERT_GT(a.pServicos[0].iQuantidadeSessao, 0u);
   CoTaskMemFree(a.pServicos[0].pSessoes);
   a.pServicos[0].pSessoes = nullptr;
   SysFreeString(a.bsComentario);
