@@ -21,12 +21,13 @@ void Chama(QVMapaEstatisticas& m, const std::string& empresa, std::uint32_t dia,
 }
 
 // The statistics function's answer to a request sent as a client sends a
-// text (with its terminating zero); null when it failed.
-nlohmann::json Responde(const QVMapaEstatisticas& objeto, std::string pedido, HRESULT* pHr) {
+// text (with its terminating zero), which must give that status; null when
+// it failed.
+nlohmann::json Responde(const QVMapaEstatisticas& objeto, std::string pedido, HRESULT hr = S_OK) {
   _REG_DF_FUNCAO_GENERICAPS entrada{static_cast<std::uint32_t>(pedido.size() + 1), {},
                                     reinterpret_cast<std::uint8_t*>(pedido.data()), nullptr};
   _REG_DF_FUNCAO_GENERICAPS* saida = nullptr;
-  *pHr = QVRespondeEstatisticasUso(objeto, entrada, &saida);
+  EXPECT_EQ(QVRespondeEstatisticasUso(objeto, entrada, &saida), hr) << pedido;
   if (saida == nullptr) return nullptr;
   EXPECT_LE(saida->ulQtdBytes, kQVMaxBytesEstatisticas);
   auto j = nlohmann::json::parse(reinterpret_cast<char*>(saida->pListaBytes));
@@ -52,33 +53,12 @@ TEST(EstatisticasUso, GuardamOsUltimosDiasEUmNumeroLimitadoDeEmpresas) {
 }
 
 TEST(EstatisticasUso, PedidosQueNaoSaoUmFiltroSaoRecusados) {
-  struct Caso {
-    const char* texto;
-    HRESULT hr;
-    const char* empresa;
-    std::uint32_t dia;
-  } const casos[] = {
-      {"", S_OK, "", 0},
-      {R"({"empresa": "ACME"})", S_OK, "ACME", 0},
-      {R"({"dia": "2026-11-23", "empresa": "ACME"})", S_OK, "ACME", kHoje},
-      {"ACME", E_INVALIDARG, "", 0},
-      {R"(["ACME"])", E_INVALIDARG, "", 0},
-      {R"({"empresa": 7})", E_INVALIDARG, "", 0},
-      {R"({"dia": "2026-13-01"})", E_INVALIDARG, "", 0},
-      {R"({"dia": "23/11/2026"})", E_INVALIDARG, "", 0},
-      {R"({"dia": "2026-11-23x"})", E_INVALIDARG, "", 0},
-      {R"({"dias": "2026-11-23"})", E_INVALIDARG, "", 0},
-  };
-  for (const Caso& c : casos) {
-    SCOPED_TRACE(c.texto);
-    QVFiltroEstatisticas f;
-    EXPECT_EQ(QVLeFiltroEstatisticas(c.texto, &f), c.hr);
-    EXPECT_EQ(f.empresa, c.empresa);
-    EXPECT_EQ(f.dia, c.dia);
-  }
-  HRESULT hr = S_OK;
-  EXPECT_EQ(Responde({}, R"({"dia": "ontem"})", &hr), nullptr);  // nothing handed out
-  EXPECT_EQ(hr, E_INVALIDARG);
+  // No bytes, or an object of "empresa" and "dia" (the answers below);
+  // anything else is refused, and nothing is handed out.
+  for (const char* texto :
+       {"ACME", R"(["ACME"])", R"({"empresa": 7})", R"({"dia": "ontem"})", R"({"dia": "2026-13-01"})",
+        R"({"dia": "23/11/2026"})", R"({"dia": "2026-11-23x"})", R"({"dias": "2026-11-23"})"})
+    EXPECT_EQ(Responde({}, texto, E_INVALIDARG), nullptr) << texto;
 }
 
 TEST(EstatisticasUso, RespostaFicaAbaixoDoLimiteCortandoOsDiasMaisAntigos) {
@@ -87,9 +67,7 @@ TEST(EstatisticasUso, RespostaFicaAbaixoDoLimiteCortandoOsDiasMaisAntigos) {
   for (std::uint32_t d = kHoje - (kQVDiasEstatisticas - 1); d <= kHoje; ++d)
     for (int e = 0; e < 40; ++e) Chama(objeto, "EMPRESA_" + std::to_string(e), d, 10);
 
-  HRESULT hr = S_OK;
-  const nlohmann::json tudo = Responde(objeto, "", &hr);
-  ASSERT_EQ(hr, S_OK);
+  const nlohmann::json tudo = Responde(objeto, "");
   EXPECT_TRUE(tudo["truncado"].get<bool>());
   EXPECT_GT(tudo["omitidos"].get<int>(), 0);
   ASSERT_EQ(tudo["objeto"].size(), 40u);
@@ -98,10 +76,14 @@ TEST(EstatisticasUso, RespostaFicaAbaixoDoLimiteCortandoOsDiasMaisAntigos) {
     EXPECT_FALSE(dias.contains(QVDiaTexto(kHoje - (kQVDiasEstatisticas - 1)))) << empresa;
   }
 
-  // Narrowed to one company and one day, everything asked for fits.
+  // Narrowed to one company, or to one company and one day, everything
+  // asked for fits.
+  const nlohmann::json empresa = Responde(objeto, R"({"empresa": "EMPRESA_7"})");
+  EXPECT_FALSE(empresa["truncado"].get<bool>());
+  ASSERT_EQ(empresa["objeto"].size(), 1u);
+  EXPECT_EQ(empresa["objeto"]["EMPRESA_7"].size(), kQVDiasEstatisticas);
   const std::string dia = QVDiaTexto(kHoje - 20);
-  const nlohmann::json um = Responde(objeto, R"({"empresa": "EMPRESA_7", "dia": ")" + dia + "\"}", &hr);
-  ASSERT_EQ(hr, S_OK);
+  const nlohmann::json um = Responde(objeto, R"({"empresa": "EMPRESA_7", "dia": ")" + dia + "\"}");
   EXPECT_FALSE(um["truncado"].get<bool>());
   ASSERT_EQ(um["objeto"].size(), 1u);
   ASSERT_EQ(um["objeto"]["EMPRESA_7"].size(), 1u);

@@ -27,43 +27,38 @@ class QVSessaoSuiteTest : public ::testing::Test {
     QVDefineRaizDados(QVTesteDiretorio() + "/dados");
     QVProfilerDefineDiretorioBase(QVTesteDiretorio());
   }
-  HRESULT Diretorio(const std::string& empresa, std::string* pDir = nullptr) {
-    std::string dir;
-    const HRESULT hr = QVSessaoSuite().GetDiretorioDadosModulo(QV_GE, empresa, &dir);
-    if (pDir != nullptr) *pDir = dir;
-    return hr;
+  // The company's data directory, in m_Dir.
+  HRESULT Diretorio(const std::string& empresa) {
+    m_Dir.clear();
+    return QVSessaoSuite().GetDiretorioDadosModulo(QV_GE, empresa, &m_Dir);
   }
-  std::string m_Raiz;
+  std::ptrdiff_t Pastas() const { return std::distance(fs::directory_iterator(m_Raiz), fs::directory_iterator()); }
+  std::string m_Raiz, m_Dir;
 };
 
 }  // namespace
 
 TEST_F(QVSessaoSuiteTest, UmaEmpresaUmaPastaSemRespeitoACaixa) {
-  std::string a, b, c;
-  ASSERT_EQ(Diretorio("Construções", &a), S_OK);
-  ASSERT_EQ(Diretorio("CONSTRUÇÕES", &b), S_OK);
-  ASSERT_EQ(Diretorio("construções", &c), S_OK);
-  EXPECT_EQ(a, m_Raiz + "/Construções/GE");
-  EXPECT_EQ(b, a);
-  EXPECT_EQ(c, a);
+  for (const char* empresa : {"Construções", "CONSTRUÇÕES", "construções"}) {
+    ASSERT_EQ(Diretorio(empresa), S_OK) << empresa;
+    EXPECT_EQ(m_Dir, m_Raiz + "/Construções/GE") << empresa;
+  }
   // Folders the suite made, in its own case, are the ones used.
   fs::create_directories(m_Raiz + "/acme/ge");
-  ASSERT_EQ(Diretorio("ACME", &a), S_OK);
-  EXPECT_EQ(a, m_Raiz + "/acme/ge");
-  EXPECT_EQ(std::distance(fs::directory_iterator(m_Raiz), fs::directory_iterator()), 2);
+  ASSERT_EQ(Diretorio("ACME"), S_OK);
+  EXPECT_EQ(m_Dir, m_Raiz + "/acme/ge");
+  EXPECT_EQ(Pastas(), 2);
 }
 
 TEST_F(QVSessaoSuiteTest, NomesRecusadosComMotivoENenhumaPasta) {
-  const struct {
-    std::string empresa;
-    const char* motivo;  // null: accepted
-  } casos[] = {
-      {std::string(47, 'E'), nullptr},
+  const std::pair<std::string, const char*> casos[] = {
+      // the company, why it is refused ("": accepted)
+      {std::string(47, 'E'), ""},
       {std::string(24, '\xC3'), "página de código"},  // not UTF-8
-      {std::string(23, 'E') + "ÇÇÇÇÇÇÇÇÇÇÇÇÇÇÇÇÇÇÇÇÇÇÇÇ", nullptr},  // 47 bytes in the code page, 71 in UTF-8
+      {std::string(23, 'E') + "ÇÇÇÇÇÇÇÇÇÇÇÇÇÇÇÇÇÇÇÇÇÇÇÇ", ""},  // 47 bytes in the code page, 71 in UTF-8
       {std::string(48, 'E'), "mais de 47 bytes"},
       {"Ωmega", "página de código"},
-      {"Preço €", nullptr},
+      {"Preço €", ""},
       {"..", "pasta"},
       {"a/b", "pasta"},
       {"a:b", "pasta"},
@@ -71,22 +66,18 @@ TEST_F(QVSessaoSuiteTest, NomesRecusadosComMotivoENenhumaPasta) {
       {"ACME ", "pasta"},
       {"con", "pasta"},
       {"Com1.txt", "pasta"},
-      {"COM10", nullptr},
-      {"qvprofiler", nullptr},  // the log is not under this data root
+      {"COM10", ""},
+      {"qvprofiler", ""},  // the log is not under this data root
   };
-  for (const auto& c : casos) {
-    SCOPED_TRACE(c.empresa);
+  for (const auto& [empresa, motivoEsperado] : casos) {
+    SCOPED_TRACE(empresa);
     std::string motivo;
-    const HRESULT hr = QVValidaNomeEmpresa(c.empresa, &motivo);
-    EXPECT_EQ(Diretorio(c.empresa), hr);
-    if (c.motivo == nullptr) {
-      EXPECT_EQ(hr, S_OK) << motivo;
-      continue;
-    }
-    EXPECT_EQ(hr, E_QVDF_NOME_EMPRESA_INVALIDO);
-    EXPECT_NE(motivo.find(c.motivo), std::string::npos) << motivo;
+    const HRESULT hr = QVValidaNomeEmpresa(empresa, &motivo);
+    EXPECT_EQ(Diretorio(empresa), hr);
+    EXPECT_EQ(hr, *motivoEsperado == '\0' ? S_OK : E_QVDF_NOME_EMPRESA_INVALIDO) << motivo;
+    EXPECT_NE(motivo.find(motivoEsperado), std::string::npos) << motivo;
   }
-  EXPECT_EQ(std::distance(fs::directory_iterator(m_Raiz), fs::directory_iterator()), 5);  // the five accepted
+  EXPECT_EQ(Pastas(), 5);  // the five accepted
   EXPECT_EQ(QVRecusaEmpresaParaRegistro("Preço €"), "");  // the command lines' check
   EXPECT_EQ(QVRecusaEmpresaParaRegistro("Ωmega"), "empresa \"Ωmega\": caractere fora da página de código (Windows-1252)");
   EXPECT_EQ(Diretorio(""), S_OK);  // no company, no directory
@@ -101,10 +92,8 @@ TEST_F(QVSessaoSuiteTest, NomesRecusadosComMotivoENenhumaPasta) {
 }
 
 TEST_F(QVSessaoSuiteTest, ConectaRecusaOCampoDoRegistro) {
-  const struct {
-    std::string campo;  // bytes of szEmpresa, in the code page
-    HRESULT hr;
-  } casos[] = {
+  const std::pair<std::string, HRESULT> casos[] = {
+      // bytes of szEmpresa, in the code page; the status
       {"ACME", S_OK},
       {"", S_OK},  // no company: the database's facade answers that
       {"Constru\xE7\xF5" "es", S_OK},
@@ -112,12 +101,11 @@ TEST_F(QVSessaoSuiteTest, ConectaRecusaOCampoDoRegistro) {
       {std::string(48, 'E'), E_QVDF_NOME_EMPRESA_INVALIDO},  // no terminator in the field
       {"..", E_QVDF_NOME_EMPRESA_INVALIDO},
   };
-  for (const auto& c : casos) {
-    SCOPED_TRACE(c.campo);
-    _REG_DF_INICIALIZAPS reg = QVTesteInicializaPS();
-    std::memset(reg.szEmpresa, 0, sizeof reg.szEmpresa);
-    std::memcpy(reg.szEmpresa, c.campo.data(), c.campo.size());
-    EXPECT_EQ(QVSessaoSuite().Conecta(reg), c.hr);
+  for (const auto& [campo, hr] : casos) {
+    SCOPED_TRACE(campo);
+    _REG_DF_INICIALIZAPS reg = QVTesteInicializaPS("");  // the field all zeros
+    std::memcpy(reg.szEmpresa, campo.data(), campo.size());
+    EXPECT_EQ(QVSessaoSuite().Conecta(reg), hr);
   }
   const auto linhas = QVTesteLinhasErro();
   ASSERT_EQ(linhas.size(), 3u);

@@ -4,45 +4,21 @@
 #include "tools/zelkorin/ComandosServidor.h"
 
 #include <gtest/gtest.h>
-#include <sys/socket.h>
-#include <sys/un.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
-#include <algorithm>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <nlohmann/json.hpp>
 #include <sstream>
 
+#include "df/qvlibex/QVProfilerLog.h"
 #include "tests/support/QVServidorTeste.h"
 #include "tests/support/QVTestSupport.h"
 
 namespace {
 
-// True once something accepts connections on the socket.
-bool Atende(const std::string& caminho) {
-  sockaddr_un end{};
-  end.sun_family = AF_UNIX;
-  std::strncpy(end.sun_path, caminho.c_str(), sizeof end.sun_path - 1);
-  const int fd = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  const bool ok = ::connect(fd, reinterpret_cast<sockaddr*>(&end), sizeof end) == 0;
-  ::close(fd);
-  return ok;
-}
-
 bool SaiuCom(int status, int codigo) { return WIFEXITED(status) && WEXITSTATUS(status) == codigo; }
-
-// How many lines the error logs of a server on that data root hold.
-std::size_t LinhasLog(const std::string& raiz) {
-  std::size_t n = 0;
-  std::error_code ec;
-  for (const auto& e : std::filesystem::directory_iterator(raiz + "/QVProfiler", ec))
-    n += std::count(std::istreambuf_iterator<char>(std::ifstream(e.path()).rdbuf()), {}, '\n');
-  return n;
-}
 
 }  // namespace
 
@@ -55,16 +31,14 @@ TEST(ComandosServidor, ServeSampleStatusESigterm) {
   CQVProcessoTeste servidor({"serve", "--listen", "*:0", "--allow-remote"}, ZELKORIN_PROGRAMA);
   ::unsetenv("ZELKORIN_ROOT");
   const std::string socket = QVSocketPadrao(raiz);
-  ASSERT_TRUE(QVTesteEsperaQue([&] { return Atende(socket); })) << servidor.Erros();
+  const auto disse = [&](const std::string& linha) { return servidor.Erros().find(linha) != std::string::npos; };
+  ASSERT_TRUE(QVTesteEsperaQue([&] { return disse("zelkorin: ouvindo unix:" + socket); })) << servidor.Erros();
 
   CQVProcessoTeste sample({"sample", "--socket", socket, "--empresa", "ACME"}, ZELKORIN_PROGRAMA);
   EXPECT_TRUE(sample.EsperaLinha("QVGE_Projeto {87EABE28-DC83-4C70-8B1C-5F1B4F2142DF}"));
   EXPECT_TRUE(SaiuCom(sample.Espera(), 0)) << sample.Erros();
 
-  QVOpcoesStatus opcoes;
-  opcoes.conexao.sSocket = socket;
-  opcoes.empresa = "ACME";
-  opcoes.json = true;
+  QVOpcoesStatus opcoes{.conexao = {.sSocket = socket}, .empresa = "ACME", .json = true};
   std::ostringstream out, err;
   ASSERT_EQ(QVComandoStatus(opcoes, out, err), 0) << err.str();
   const auto j = nlohmann::json::parse(out.str());
@@ -77,7 +51,6 @@ TEST(ComandosServidor, ServeSampleStatusESigterm) {
   EXPECT_EQ(j["estatisticas"]["servidor"]["objetosAtivos"], 1);  // the status's own, at that moment
 
   opcoes.json = false;
-  out.str("");
   ASSERT_EQ(QVComandoStatus(opcoes, out, err), 0);
   EXPECT_NE(out.str().find("Servidor em unix:" + socket), std::string::npos) << out.str();
   EXPECT_NE(out.str().find("CQVGE_Atendimento   LePropriedades"), std::string::npos) << out.str();
@@ -89,20 +62,21 @@ TEST(ComandosServidor, ServeSampleStatusESigterm) {
             std::string::npos)
       << err.str();
 
-  // A clean stop writes nothing to the error log.
-  const std::size_t linhasLog = LinhasLog(raiz);
+  // A clean stop writes nothing to the error log (the server's, under its
+  // root) and removes the socket.
+  QVProfilerDefineDiretorioBase(raiz);
+  const std::size_t linhasLog = QVTesteLinhasErro().size();
   EXPECT_TRUE(SaiuCom(servidor.Termina(SIGTERM), 0));
-  EXPECT_EQ(LinhasLog(raiz), linhasLog);
-  const std::string erros = servidor.Erros();
-  for (const char* linha : {"raiz de dados ", "zelkorin: ouvindo unix:", "zelkorin: ouvindo tcp:0.0.0.0:0 (porta ",
+  EXPECT_EQ(QVTesteLinhasErro().size(), linhasLog);
+  QVProfilerDefineDiretorioBase(QVTesteDiretorio());
+  EXPECT_FALSE(std::filesystem::exists(socket));
+  for (const char* linha : {"raiz de dados ", "zelkorin: ouvindo tcp:0.0.0.0:0 (porta ",
                             "zelkorin: aviso: tcp:0.0.0.0:0 aceita conexões de outras máquinas, sem autenticação",
                             "zelkorin: conexão 1 aberta (unix)", "zelkorin: conexão 3 encerrada",
                             "zelkorin: sinal SIGTERM", "zelkorin: encerrado"})
-    EXPECT_NE(erros.find(linha), std::string::npos) << linha << "\n" << erros;
-  EXPECT_FALSE(Atende(socket));
+    EXPECT_TRUE(disse(linha)) << linha << "\n" << servidor.Erros();
 
   // Nobody answers now: the status says so and fails.
-  err.str("");
   EXPECT_EQ(QVComandoStatus(opcoes, out, err), 1);
   EXPECT_NE(err.str().find("nenhum servidor responde em unix:" + socket), std::string::npos) << err.str();
 }
@@ -110,12 +84,8 @@ TEST(ComandosServidor, ServeSampleStatusESigterm) {
 TEST(ComandosServidor, LinhasDeComandoRuinsNaoIniciamNada) {
   const std::string raiz = QVTesteNovoDiretorio("r");
   const std::string longo = raiz + "/" + std::string(120, 's') + ".sock";
-  struct Caso {
-    std::vector<std::string> args;
-    int codigo;  // -1: any failure
-    const char* diz;
-  };
-  const Caso casos[] = {
+  const std::tuple<std::vector<std::string>, int, const char*> casos[] = {
+      // arguments, exit code (-1: any failure), what stderr says
       {{"serve", "--max-elementos", "0"}, -1, ""},
       {{"serve", "--tempo-ocioso-ms", "0"}, -1, ""},
       {{"status", "--socket", "a", "--connect", "b:1"}, -1, ""},
@@ -130,12 +100,11 @@ TEST(ComandosServidor, LinhasDeComandoRuinsNaoIniciamNada) {
       {{"serve", "--root", raiz, "--socket", QVTesteDiretorio()}, 1, "ERROR_FILE_EXISTS"},
       {{"serve", "--root", raiz, "--socket", longo}, 1, "ERROR_FILENAME_EXCED_RANGE"},
   };
-  for (const Caso& c : casos) {
-    SCOPED_TRACE(c.args[0] + " " + c.args.back());
-    CQVProcessoTeste p(c.args, ZELKORIN_PROGRAMA);
+  for (const auto& [args, codigo, diz] : casos) {
+    SCOPED_TRACE(args[0] + " " + args.back());
+    CQVProcessoTeste p(args, ZELKORIN_PROGRAMA);
     const int status = p.Espera();
-    ASSERT_TRUE(WIFEXITED(status)) << p.Erros();
-    EXPECT_TRUE(c.codigo < 0 ? WEXITSTATUS(status) != 0 : WEXITSTATUS(status) == c.codigo) << p.Erros();
-    EXPECT_NE(p.Erros().find(c.diz), std::string::npos) << p.Erros();
+    EXPECT_TRUE(codigo < 0 ? WIFEXITED(status) && WEXITSTATUS(status) != 0 : SaiuCom(status, codigo)) << p.Erros();
+    EXPECT_NE(p.Erros().find(diz), std::string::npos) << p.Erros();
   }
 }
