@@ -18,7 +18,12 @@ TEST(QVCodePage, CincoBytesSemCaractere) {
   EXPECT_EQ(indefinidos, "\x81\x8D\x8F\x90\x9D");
 }
 
-TEST(QVCodePage, MaiusculasDaPaginaDeCodigo) {
+// The suite's code page: its letters and the euro sign, '?' for what it
+// cannot hold, and capitals only where it has them.
+TEST(QVCodePage, Windows1252EMaiusculas) {
+  EXPECT_EQ(QVUtf8ToAnsi("Ação €"), "A\xE7\xE3o \x80");
+  EXPECT_EQ(QVAnsiToUtf8("A\xE7\xE3o \x80"), "Ação €");
+  EXPECT_EQ(QVUtf8ToAnsi("日本"), "??");
   EXPECT_EQ(QVMaiusculasCodePage("ação ÿ š œ ž é"), "AÇÃO Ÿ Š Œ Ž É");
   EXPECT_EQ(QVMaiusculasCodePage("ß ÷ µ 1"), "ß ÷ µ 1");  // no capital in the code page, or no letter
   EXPECT_TRUE(QVIguaisSemCaixa("Construções", "CONSTRUÇÕES"));

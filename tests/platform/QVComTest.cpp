@@ -21,11 +21,8 @@ struct CFabrica final : IClassFactory {
   HRESULT QueryInterface(REFIID, void**) override { return E_NOINTERFACE; }
   std::uint32_t AddRef() override { return ++refs; }
   std::uint32_t Release() override { return --refs; }
-  HRESULT CreateInstance(IUnknown*, REFIID riid, void** ppv) override {
-    auto* o = new CObjeto();
-    const HRESULT hr = o->QueryInterface(riid, ppv);
-    o->Release();
-    return hr;
+  HRESULT CreateInstance(IUnknown* pOuter, REFIID riid, void** ppv) override {
+    return TQVFabricaDeClasse([] { return new CObjeto(); }).CreateInstance(pOuter, riid, ppv);
   }
   HRESULT LockServer(bool) override { return S_OK; }
   int refs = 0;
@@ -56,43 +53,37 @@ TEST(QVCom, CriacaoPorIdentificadorDeClasse) {
   EXPECT_EQ(CoRevokeClassObject(cookie), E_INVALIDARG);
 }
 
-TEST(QVCom, FabricaDeClasseDoProcesso) {
+// The process's class factory makes an object that holds only the caller's
+// reference. The object answers its interfaces with a reference added each,
+// and goes with its last reference.
+TEST(QVCom, FabricaDeClasseEObjetoContadoPorReferencias) {
   std::atomic<int> travas{0};
-  bool semMemoria = false;
-  auto fabrica = TQVFabricaDeClasse([&]() -> CObjeto* { return semMemoria ? nullptr : new CObjeto(); }, &travas);
-
-  CQVComPtr<IUnknown> objeto;
-  ASSERT_EQ(fabrica.CreateInstance(nullptr, kInterface, objeto.ppv()), S_OK);
-  EXPECT_EQ(objeto->AddRef(), 2u);  // only the caller's reference was left
-  EXPECT_EQ(objeto->Release(), 1u);
-  void* p = reinterpret_cast<void*>(1);
-  EXPECT_EQ(fabrica.CreateInstance(objeto.get(), kInterface, &p), CLASS_E_NOAGGREGATION);
-  EXPECT_EQ(p, nullptr);
-  semMemoria = true;
-  EXPECT_EQ(fabrica.CreateInstance(nullptr, kInterface, &p), E_OUTOFMEMORY);
-  EXPECT_EQ(p, nullptr);
-
-  EXPECT_EQ(fabrica.LockServer(true), S_OK);
-  EXPECT_EQ(fabrica.LockServer(true), S_OK);
-  EXPECT_EQ(fabrica.LockServer(false), S_OK);
-  EXPECT_EQ(travas.load(), 1);
-  EXPECT_EQ(fabrica.QueryInterface(kInterface, &p), E_NOINTERFACE);
-}
-
-TEST(QVCom, ObjetoContadoPorReferencias) {
-  bool destruido = false;
-  auto* o = new CObjeto(&destruido);
+  bool semMemoria = false, destruido = false;
+  auto fabrica =
+      TQVFabricaDeClasse([&]() -> CObjeto* { return semMemoria ? nullptr : new CObjeto(&destruido); }, &travas);
+  IUnknown* o = nullptr;
+  ASSERT_EQ(fabrica.CreateInstance(nullptr, kInterface, reinterpret_cast<void**>(&o)), S_OK);
   void* p = reinterpret_cast<void*>(1);
   for (const IID& iid : {IID_IUnknown, kInterface, kBase}) {
     ASSERT_EQ(o->QueryInterface(iid, &p), S_OK);
-    EXPECT_EQ(p, static_cast<IUnknown*>(o));
+    EXPECT_EQ(p, o);
   }
   EXPECT_EQ(o->QueryInterface(IID_IClassFactory, &p), E_NOINTERFACE);
   EXPECT_EQ(p, nullptr);
   EXPECT_EQ(o->QueryInterface(kInterface, nullptr), E_POINTER);
-  // The creator's reference and the three QueryInterface added.
-  for (std::uint32_t n = 3; n > 0; --n) EXPECT_EQ(o->Release(), n);
+  for (std::uint32_t n = 3; n > 0; --n) EXPECT_EQ(o->Release(), n);  // the three QueryInterface added
   EXPECT_FALSE(destruido);
   EXPECT_EQ(o->Release(), 0u);
   EXPECT_TRUE(destruido);
+
+  p = reinterpret_cast<void*>(1);
+  EXPECT_EQ(fabrica.CreateInstance(&fabrica, kInterface, &p), CLASS_E_NOAGGREGATION);
+  EXPECT_EQ(p, nullptr);
+  semMemoria = true;
+  p = reinterpret_cast<void*>(1);
+  EXPECT_EQ(fabrica.CreateInstance(nullptr, kInterface, &p), E_OUTOFMEMORY);
+  EXPECT_EQ(p, nullptr);
+  for (const bool trava : {true, true, false}) EXPECT_EQ(fabrica.LockServer(trava), S_OK);
+  EXPECT_EQ(travas.load(), 1);
+  EXPECT_EQ(fabrica.QueryInterface(kInterface, &p), E_NOINTERFACE);
 }

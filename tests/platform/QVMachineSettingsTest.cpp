@@ -6,7 +6,7 @@
 
 #include "tests/support/QVTestSupport.h"
 
-TEST(QVMachineSettings, ChavesEValoresSemDistincaoDeCaixa) {
+TEST(QVMachineSettings, ChavesEValoresSemDistincaoDeCaixaEArquivoAusenteOuInvalido) {
   QVTesteDefineRegistro(R"({"software\\wow6432node\\QUORVANE": {"qvdatabase_desabilitacabecalho": 1,
                            "Texto": "abc", "Ligado": true}})");
   std::uint32_t v = 0;
@@ -21,10 +21,8 @@ TEST(QVMachineSettings, ChavesEValoresSemDistincaoDeCaixa) {
   EXPECT_EQ(QVRegQueryMachineDword(kQVChaveMaquina, "Ausente", &v), HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND));
   EXPECT_EQ(QVRegQueryMachineDword("SOFTWARE\\Outra", "QVDataBase_DesabilitaCabecalho", &v),
             HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND));
-}
 
-TEST(QVMachineSettings, ArquivoAusenteOuInvalido) {
-  std::uint32_t v = 0;
+  // A missing file; a file that is not JSON.
   std::remove(QVMachineSettingsPath().c_str());
   EXPECT_EQ(QVRegQueryMachineDword(kQVChaveMaquina, "X", &v), HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND));
   QVTesteDefineRegistro("{ nao eh json");

@@ -2,123 +2,103 @@
 
 #include <gtest/gtest.h>
 #include <sched.h>
-#include <sys/mman.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
 #include <atomic>
+#include <filesystem>
 #include <fstream>
+#include <tuple>
 
 #include "tests/support/QVProcessoFilho.h"
 #include "tests/support/QVTestSupport.h"
 
+namespace fs = std::filesystem;
+
 namespace {
 
 // The modes the record store uses, and the mark files'.
-constexpr std::uint32_t kEscritaCria = 0x3022;
-constexpr std::uint32_t kEscrita = 0x2022;
-constexpr std::uint32_t kLeitura = 0x2040;
-constexpr std::uint32_t kMarca = QVFILE_MODE_READWRITE | QVFILE_SHARE_EXCLUSIVE | QVFILE_MODE_CREATE;
+constexpr std::int32_t kEscritaCria = 0x3022;
+constexpr std::int32_t kEscrita = 0x2022;
+constexpr std::int32_t kLeitura = 0x2040;
+constexpr std::int32_t kLeituraNegaEscrita = QVFILE_MODE_READ | QVFILE_SHARE_DENY_WRITE | QVFILE_MODE_NO_TRUNCATE;
+constexpr std::int32_t kMarca = QVFILE_MODE_READWRITE | QVFILE_SHARE_EXCLUSIVE | QVFILE_MODE_CREATE;
+constexpr std::int32_t SV = ERROR_SHARING_VIOLATION;
+constexpr std::uint32_t NEGADO = ERROR_ACCESS_DENIED, INVALIDO = ERROR_INVALID_PARAMETER;
 
 void Grava(const std::string& caminho, const std::string& conteudo) {
   std::ofstream(caminho, std::ios::binary | std::ios::trunc) << conteudo;
 }
 
-// 0 or the Win32 error of the open.
+// 0 or the Win32 error of the open; a refused open leaves the object closed.
 std::uint32_t ErroAoAbrir(IQVOsFile& arquivo, const std::string& caminho, std::uint32_t flags) {
-  return arquivo.Open(caminho, flags) ? 0 : arquivo.LastError();
+  const std::uint32_t erro = arquivo.Open(caminho, flags) ? 0 : arquivo.LastError();
+  EXPECT_EQ(arquivo.IsOpen(), erro == 0);
+  return erro;
 }
 
-// A second process that opens the file on command with its own file object
-// (answering 0 or the Win32 error) or closes it.
-class COutroProcesso {
- public:
-  explicit COutroProcesso(const std::string& caminho)
-      : m_Filho([arquivo = std::shared_ptr<IQVOsFile>(QVCreateRealOsFile()), caminho](std::int32_t pedido) {
-          if (pedido == kFecha) {
-            arquivo->Close();
-            return 0;
-          }
-          return static_cast<std::int32_t>(ErroAoAbrir(*arquivo, caminho, static_cast<std::uint32_t>(pedido)));
-        }) {}
-  std::uint32_t Abre(std::uint32_t flags) {
-    return static_cast<std::uint32_t>(m_Filho.Pede(static_cast<std::int32_t>(flags)));
-  }
-  void Fecha() { m_Filho.Pede(kFecha); }
-  // Ends the process with the file still open; its exit status.
-  int MorreSemFechar() { return m_Filho.MorreSemFechar(); }
-
- private:
-  static constexpr std::int32_t kFecha = -1;
-  CQVProcessoFilho m_Filho;
-};
+// Who opens in a sharing case: a file object of its own that opens the
+// file with the flags asked for (answering 0 or the Win32 error), or closes
+// it (kFecha). Called here, or run by a second process on command.
+using Lado = std::function<std::int32_t(std::int32_t)>;
+constexpr std::int32_t kFecha = -1;
+Lado NovoLado(const std::string& caminho) {
+  return [arquivo = std::shared_ptr<IQVOsFile>(QVCreateRealOsFile()), caminho](std::int32_t pedido) {
+    if (pedido == kFecha) arquivo->Close();
+    return pedido == kFecha ? 0 : static_cast<std::int32_t>(ErroAoAbrir(*arquivo, caminho, pedido));
+  };
+}
 
 }  // namespace
 
-TEST(QVOsFile, CompartilhamentoEntreProcessosEProcessoQueMorre) {
-  const std::string caminho = QVTesteNovoDiretorio("entre") + "/GEATPRJ.DAT";
-  COutroProcesso outro(caminho);
-  auto arquivo = QVCreateRealOsFile();
+// Every pair of the modes the system uses, opened by two handles of this
+// process, by this process then another, and by the other then this one:
+// the result does not depend on where the first handle is. A refused open
+// truncates nothing and leaves the first handle's sharing in force (tried
+// again, it is refused again); once the first closes, it is accepted.
+TEST(QVOsFile, CompartilhamentoEntreHandlesEProcessos) {
+  const std::string caminho = QVTesteNovoDiretorio("compartilha") + "/GEATPRJ.DAT";
+  CQVProcessoFilho filho(NovoLado(caminho));  // before anything is open here: it would share it
+  const Lado a = NovoLado(caminho), b = NovoLado(caminho);
+  const Lado outro = [&filho](std::int32_t pedido) { return filho.Pede(pedido); };
+  const std::tuple<const char*, const Lado&, const Lado&> arranjos[] = {
+      {"mesmo processo", a, b}, {"este e depois outro", a, outro}, {"outro e depois este", outro, b}};
+  // The first open's flags, the second's, and the second's result.
+  const std::int32_t casos[][3] = {
+      {kEscrita, kEscritaCria, SV},         {kEscritaCria, kEscrita, SV},   {kEscritaCria, kLeitura, 0},
+      {kLeitura, kEscrita, 0},              {kLeitura, kLeitura, 0},        {kEscrita, kLeituraNegaEscrita, SV},
+      {kLeituraNegaEscrita, kEscrita, SV},  {kLeituraNegaEscrita, kLeituraNegaEscrita, 0},
+      {kLeitura, kMarca, SV},               {kMarca, kLeitura, SV},         {kMarca, kMarca, SV},
+  };
+  for (const auto& [nome, primeiro, segundo] : arranjos) {
+    for (const auto& [flags1, flags2, erro] : casos) {
+      SCOPED_TRACE(::testing::Message() << nome << std::hex << " 0x" << flags1 << " 0x" << flags2);
+      Grava(caminho, "conteudo");
+      ASSERT_EQ(primeiro(flags1), 0);
+      const std::string conteudo = QVTesteLeArquivo(caminho);
+      EXPECT_EQ(segundo(flags2), erro);
+      EXPECT_EQ(QVTesteLeArquivo(caminho), conteudo);
+      segundo(kFecha);
+      EXPECT_EQ(segundo(flags2), erro);
+      primeiro(kFecha);
+      EXPECT_EQ(segundo(flags2), 0);
+      segundo(kFecha);
+    }
+  }
 
-  // Read-write denying write: another writer is refused, a reader is not.
-  ASSERT_EQ(ErroAoAbrir(*arquivo, caminho, kEscritaCria), 0u);
-  EXPECT_EQ(outro.Abre(kEscrita), ERROR_SHARING_VIOLATION);
-  EXPECT_EQ(outro.Abre(kEscritaCria), ERROR_SHARING_VIOLATION);
-  EXPECT_EQ(outro.Abre(kLeitura), 0u);
-  outro.Fecha();
-  arquivo->Close();
-  EXPECT_EQ(outro.Abre(kEscrita), 0u);
-
-  // The other way round, and a reader does not keep a writer out.
-  EXPECT_EQ(ErroAoAbrir(*arquivo, caminho, kEscrita), ERROR_SHARING_VIOLATION);
-  EXPECT_FALSE(arquivo->IsOpen());
-  ASSERT_EQ(ErroAoAbrir(*arquivo, caminho, kLeitura), 0u);
-  outro.Fecha();
-  EXPECT_EQ(outro.Abre(kEscritaCria), 0u);
-  // A reader that denies writing is refused while a writer is open.
-  EXPECT_EQ(ErroAoAbrir(*arquivo, caminho, QVFILE_MODE_READ | QVFILE_SHARE_DENY_WRITE), ERROR_SHARING_VIOLATION);
+  // Closing one of this process's handles leaves the other's sharing alone;
+  // reopening an open object closes it first: it does not conflict with itself.
+  ASSERT_EQ(a(kEscrita), 0);
+  ASSERT_EQ(b(kLeitura), 0);
+  b(kFecha);
+  EXPECT_EQ(b(kEscrita), SV);
+  EXPECT_EQ(a(kEscrita), 0);
+  a(kFecha);
 
   // A process that dies holding the file does not keep it.
-  EXPECT_EQ(ErroAoAbrir(*arquivo, caminho, kEscrita), ERROR_SHARING_VIOLATION);
-  ASSERT_TRUE(WIFEXITED(outro.MorreSemFechar()));
-  EXPECT_EQ(ErroAoAbrir(*arquivo, caminho, kEscrita), 0u);
-}
-
-TEST(QVOsFile, CompartilhamentoNoMesmoProcesso) {
-  const std::string caminho = QVTesteNovoDiretorio("mesmo") + "/dados.dat";
-  auto a = QVCreateRealOsFile();
-  auto b = QVCreateRealOsFile();
-  ASSERT_EQ(ErroAoAbrir(*a, caminho, kEscritaCria), 0u);
-  EXPECT_EQ(ErroAoAbrir(*b, caminho, kEscrita), ERROR_SHARING_VIOLATION);
-  EXPECT_EQ(ErroAoAbrir(*b, caminho, kLeitura), 0u);
-  // Closing one handle leaves the other's sharing in force.
-  b->Close();
-  EXPECT_EQ(ErroAoAbrir(*b, caminho, kEscrita), ERROR_SHARING_VIOLATION);
-  a->Close();
-  EXPECT_EQ(ErroAoAbrir(*b, caminho, kEscrita), 0u);
-  // Reopening an open object closes it first: it does not conflict with itself.
-  EXPECT_EQ(ErroAoAbrir(*b, caminho, kEscrita), 0u);
-}
-
-TEST(QVOsFile, ExclusivoRecusaETruncaSoQuandoAceito) {
-  const std::string caminho = QVTesteNovoDiretorio("exclusivo") + "/marca.mrk";
-  Grava(caminho, "conteudo");
-  COutroProcesso outro(caminho);
-  auto leitor = QVCreateRealOsFile();
-  auto marca = QVCreateRealOsFile();
-  ASSERT_EQ(ErroAoAbrir(*leitor, caminho, kLeitura), 0u);
-  EXPECT_EQ(ErroAoAbrir(*marca, caminho, kMarca), ERROR_SHARING_VIOLATION);
-  EXPECT_EQ(QVTesteLeArquivo(caminho), "conteudo");  // refused: not truncated
-
-  leitor->Close();
-  ASSERT_EQ(ErroAoAbrir(*marca, caminho, kMarca), 0u);
-  EXPECT_EQ(QVTesteLeArquivo(caminho), "");
-  EXPECT_EQ(ErroAoAbrir(*leitor, caminho, kLeitura), ERROR_SHARING_VIOLATION);
-  EXPECT_EQ(outro.Abre(kLeitura), ERROR_SHARING_VIOLATION);
-  EXPECT_EQ(outro.Abre(kMarca), ERROR_SHARING_VIOLATION);
-  marca->Close();
-  EXPECT_EQ(outro.Abre(kLeitura), 0u);
+  ASSERT_EQ(outro(kEscrita), 0);
+  EXPECT_EQ(a(kEscrita), SV);
+  ASSERT_TRUE(WIFEXITED(filho.MorreSemFechar()));
+  EXPECT_EQ(a(kEscrita), 0);
 }
 
 // Processes race to open: a writer never coexists with another writer
@@ -126,71 +106,76 @@ TEST(QVOsFile, ExclusivoRecusaETruncaSoQuandoAceito) {
 TEST(QVOsFile, AberturasConcorrentesRespeitamOCompartilhamento) {
   const std::string caminho = QVTesteNovoDiretorio("corrida") + "/dados.dat";
   Grava(caminho, "x");
-  struct Contadores {
-    std::atomic<int> escritores, leitores, violacoes, escritas, leituras;
-  };
-  void* memoria = ::mmap(nullptr, sizeof(Contadores), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
-  ASSERT_NE(memoria, MAP_FAILED);
-  auto* c = new (memoria) Contadores{};
+  struct Contadores { std::atomic<int> escritores, leitores, violacoes, escritas, leituras; };
+  auto* c = QVTesteCompartilhado<Contadores>();
   // Two processes racing flat out hit an unguarded check-then-record window
   // far more often than more processes taking turns on few processors.
-  constexpr int kProcessos = 2;
-  constexpr int kVoltas = 2000;
-  constexpr std::uint32_t kLeituraNegaEscrita = QVFILE_MODE_READ | QVFILE_SHARE_DENY_WRITE | QVFILE_MODE_NO_TRUNCATE;
-  pid_t filhos[kProcessos];
-  for (int p = 0; p < kProcessos; ++p) {
-    filhos[p] = ::fork();
-    if (filhos[p] != 0) continue;
+  const auto corrida = [&](int p) {
     auto arquivo = QVCreateRealOsFile();
-    for (int i = 0; i < kVoltas; ++i) {
+    for (int i = 0; i < 2000; ++i) {
       const bool escritor = (i + p) % 2 == 0;
       if (!arquivo->Open(caminho, escritor ? kEscrita : kLeituraNegaEscrita)) {
-        if (arquivo->LastError() != ERROR_SHARING_VIOLATION) ::_exit(3);
+        if (arquivo->LastError() != SV) return 3;
         continue;
       }
-      if (escritor) {
-        if (++c->escritores != 1 || c->leitores > 0) ++c->violacoes;
-        ++c->escritas;
-        sched_yield();
-        --c->escritores;
-      } else {
-        ++c->leitores;
-        if (c->escritores > 0) ++c->violacoes;
-        ++c->leituras;
-        sched_yield();
-        --c->leitores;
-      }
+      // Holding it: a writer must be alone, a reader must see no writer.
+      const int comigo = ++(escritor ? c->escritores : c->leitores);
+      if (escritor ? comigo != 1 || c->leitores > 0 : c->escritores > 0) ++c->violacoes;
+      ++(escritor ? c->escritas : c->leituras);
+      sched_yield();
+      --(escritor ? c->escritores : c->leitores);
       arquivo->Close();
     }
-    ::_exit(0);
-  }
-  for (pid_t filho : filhos) {
-    int status = -1;
-    ::waitpid(filho, &status, 0);
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
-  }
+    return 0;
+  };
+  EXPECT_EQ(QVTesteEmProcessos(2, corrida), std::vector<int>(2, 0));
   EXPECT_EQ(c->violacoes.load(), 0);
   EXPECT_GT(c->escritas.load(), 0);
   EXPECT_GT(c->leituras.load(), 0);
-  ::munmap(memoria, sizeof(Contadores));
 }
 
-TEST(QVOsFile, FlagsInvalidos) {
-  const std::string caminho = QVTesteNovoDiretorio("flags") + "/dados.dat";
-  Grava(caminho, "abc");
+// Every refused open, with its error: none creates or truncates anything.
+TEST(QVOsFile, AberturasRecusadasESomenteLeitura) {
+  const std::string dir = QVTesteNovoDiretorio("recusas");
+  const std::string dados = dir + "/dados.dat", somente = dir + "/somente.dat", falta = dir + "/falta/dados.dat";
+  for (const std::string& caminho : {dados, somente}) Grava(caminho, "abc");
+  ASSERT_EQ(QVSetReadOnly(somente, true), S_OK);
+  EXPECT_TRUE(QVIsReadOnly(somente));
+  const std::tuple<std::string, std::uint32_t, std::uint32_t> casos[] = {
+      {dir + "/ausente.dat", kEscrita, ERROR_FILE_NOT_FOUND}, {falta, kEscrita, ERROR_PATH_NOT_FOUND},
+      {falta, kEscritaCria, ERROR_PATH_NOT_FOUND}, {dir, kLeitura, NEGADO}, {dir, kEscritaCria, NEGADO},
+      // Read-only: refused even to the superuser, for any access that writes
+      // and for a truncation.
+      {somente, kEscrita, NEGADO}, {somente, QVFILE_MODE_WRITE | QVFILE_SHARE_DENY_NONE, NEGADO},
+      {somente, QVFILE_MODE_READ | QVFILE_SHARE_DENY_NONE | QVFILE_MODE_CREATE, NEGADO},
+      // A reader that denies reading (it could not check its sharing without
+      // a race); a missing sharing, an unknown access, unknown bits.
+      {dados, QVFILE_MODE_READ | QVFILE_SHARE_EXCLUSIVE, INVALIDO},
+      {dados, QVFILE_MODE_READ | QVFILE_SHARE_DENY_READ, INVALIDO}, {dados, QVFILE_MODE_READWRITE, INVALIDO},
+      {dados, 0x0003u | QVFILE_SHARE_DENY_NONE, INVALIDO}, {dados, kLeitura | 0x8000u, INVALIDO},
+  };
   auto arquivo = QVCreateRealOsFile();
-  // A reader that denies reading is refused outright; so are a missing
-  // sharing, an unknown access and unknown bits.
-  for (std::uint32_t flags : {QVFILE_MODE_READ | QVFILE_SHARE_EXCLUSIVE, QVFILE_MODE_READ | QVFILE_SHARE_DENY_READ,
-                              QVFILE_MODE_READWRITE, 0x0003u | QVFILE_SHARE_DENY_NONE, kLeitura | 0x8000u}) {
-    EXPECT_EQ(ErroAoAbrir(*arquivo, caminho, flags), ERROR_INVALID_PARAMETER) << std::hex << flags;
+  for (const auto& [caminho, flags, erro] : casos) {
+    SCOPED_TRACE(::testing::Message() << caminho << std::hex << " 0x" << flags);
+    EXPECT_EQ(ErroAoAbrir(*arquivo, caminho, flags), erro);
   }
-  // With a writable handle it can be done.
-  EXPECT_EQ(ErroAoAbrir(*arquivo, caminho, QVFILE_MODE_READWRITE | QVFILE_SHARE_DENY_READ), 0u);
+  EXPECT_FALSE(QVFileExists(dir + "/ausente.dat"));
+  EXPECT_EQ(QVTesteLeArquivo(somente), "abc");
+  // Denying reading with a writable handle can be done.
+  EXPECT_EQ(ErroAoAbrir(*arquivo, dados, QVFILE_MODE_READWRITE | QVFILE_SHARE_DENY_READ), 0u);
+  EXPECT_EQ(ErroAoAbrir(*arquivo, somente, kLeitura), 0u);
+
+  ASSERT_EQ(QVSetReadOnly(somente, false), S_OK);
+  EXPECT_FALSE(QVIsReadOnly(somente));
+  EXPECT_EQ(fs::status(somente).permissions() & fs::perms::owner_write, fs::perms::owner_write);
+  EXPECT_EQ(ErroAoAbrir(*arquivo, somente, kEscrita), 0u);
+  EXPECT_EQ(QVTesteLeArquivo(somente), "abc");
 }
 
-TEST(QVOsFile, NomesSemDistincaoDeCaixa) {
-  const std::string dir = QVTesteNovoDiretorio("caixa");
+// Names resolve in their directory without regard to case: the exact name
+// wins, otherwise the first match in byte order.
+TEST(QVOsFile, NomesSemDistincaoDeCaixaRenomeiaEApaga) {
+  const std::string dir = QVTesteNovoDiretorio("nomes");
   Grava(dir + "/geatprj.DAT", "dados");
   auto arquivo = QVCreateRealOsFile();
   ASSERT_EQ(ErroAoAbrir(*arquivo, dir + "/GEATPRJ.dat", kEscritaCria), 0u);
@@ -202,83 +187,56 @@ TEST(QVOsFile, NomesSemDistincaoDeCaixa) {
   EXPECT_TRUE(QVFileExists(dir + "/GeatPrj.Dat"));
   EXPECT_FALSE(QVFileExists(dir + "/geatprj.da"));
   EXPECT_FALSE(QVFileExists(dir));
-
-  // The exact name wins; otherwise the first match in byte order.
   Grava(dir + "/abc", "");
-  Grava(dir + "/ABC", "");
+  Grava(dir + "/ABC", "novo");
   EXPECT_EQ(QVResolvePathCase(dir + "/abc"), dir + "/abc");
   EXPECT_EQ(QVResolvePathCase(dir + "/aBc"), dir + "/ABC");
   EXPECT_EQ(QVResolvePathCase(dir + "/nada"), dir + "/nada");
   EXPECT_EQ(QVResolvePathCase(dir + "/inexistente/abc"), dir + "/inexistente/abc");
 
-  // Renaming to another case fixes the name on disk.
+  // A rename to another case fixes the name on disk; onto a destination
+  // found in another case, it replaces it and keeps the case asked for.
   ASSERT_EQ(QVMoveFile(dir + "/GEATPRJ.DAT", dir + "/GeatPrj.Dat"), S_OK);
   std::vector<std::string> nomes;
   ASSERT_EQ(QVListDirectory(dir, &nomes), S_OK);
   EXPECT_EQ(nomes, (std::vector<std::string>{"ABC", "GeatPrj.Dat", "abc"}));
   EXPECT_EQ(QVTesteLeArquivo(dir + "/GeatPrj.Dat"), "dados");
-}
+  ASSERT_EQ(QVMoveFile(dir + "/ABC", dir + "/GEATPRJ.dat"), S_OK);
+  EXPECT_EQ(QVTesteLeArquivo(dir + "/GEATPRJ.dat"), "novo");
 
-TEST(QVOsFile, RenomeiaEApaga) {
-  const std::string dir = QVTesteNovoDiretorio("renomeia");
-  Grava(dir + "/novo.tmp", "novo");
-  Grava(dir + "/destino.dat", "antigo");
-  // Replaces a destination found in another case, keeping the case asked for.
-  ASSERT_EQ(QVMoveFile(dir + "/NOVO.TMP", dir + "/Destino.dat"), S_OK);
-  std::vector<std::string> nomes;
+  // Refused, changing nothing: a missing name or folder; an open file
+  // renamed, replaced or deleted; a read-only one replaced or deleted.
+  Grava(dir + "/somente.dat", "");
+  ASSERT_EQ(QVSetReadOnly(dir + "/somente.dat", true), S_OK);
+  ASSERT_EQ(ErroAoAbrir(*arquivo, dir + "/abc", kLeitura), 0u);
+  // From, to (none: a deletion), the error.
+  const std::tuple<const char*, const char*, std::uint32_t> recusas[] = {
+      {"ausente", "x", ERROR_FILE_NOT_FOUND}, {"somente.dat", "falta/x", ERROR_PATH_NOT_FOUND},
+      {"abc", "x", SV},                       {"geatprj.dat", "abc", SV},
+      {"abc", nullptr, SV},                   {"geatprj.dat", "somente.dat", NEGADO},
+      {"somente.dat", nullptr, NEGADO},       {"ausente", nullptr, ERROR_FILE_NOT_FOUND},
+      {"falta/x", nullptr, ERROR_PATH_NOT_FOUND}};
+  for (const auto& [de, para, erro] : recusas) {
+    SCOPED_TRACE(::testing::Message() << de << " -> " << (para != nullptr ? para : "(apagado)"));
+    const HRESULT hr = para != nullptr ? QVMoveFile(dir + "/" + de, dir + "/" + para) : QVDeleteFile(dir + "/" + de);
+    EXPECT_EQ(hr, HRESULT_FROM_WIN32(erro));
+  }
   ASSERT_EQ(QVListDirectory(dir, &nomes), S_OK);
-  EXPECT_EQ(nomes, std::vector<std::string>{"Destino.dat"});
-  EXPECT_EQ(QVTesteLeArquivo(dir + "/Destino.dat"), "novo");
-
-  EXPECT_EQ(QVMoveFile(dir + "/ausente", dir + "/x"), HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND));
-  EXPECT_EQ(QVMoveFile(dir + "/destino.dat", dir + "/falta/x"), HRESULT_FROM_WIN32(ERROR_PATH_NOT_FOUND));
-
-  // An open file is neither renamed, replaced nor deleted; nor is a read-only one.
-  Grava(dir + "/outro.dat", "outro");
-  auto arquivo = QVCreateRealOsFile();
-  ASSERT_EQ(ErroAoAbrir(*arquivo, dir + "/destino.dat", kLeitura), 0u);
-  EXPECT_EQ(QVMoveFile(dir + "/destino.dat", dir + "/y"), HRESULT_FROM_WIN32(ERROR_SHARING_VIOLATION));
-  EXPECT_EQ(QVMoveFile(dir + "/outro.dat", dir + "/destino.dat"), HRESULT_FROM_WIN32(ERROR_SHARING_VIOLATION));
-  EXPECT_EQ(QVDeleteFile(dir + "/destino.dat"), HRESULT_FROM_WIN32(ERROR_SHARING_VIOLATION));
+  EXPECT_EQ(nomes, (std::vector<std::string>{"GEATPRJ.dat", "abc", "somente.dat"}));
   arquivo->Close();
-  ASSERT_EQ(QVSetReadOnly(dir + "/destino.dat", true), S_OK);
-  EXPECT_EQ(QVMoveFile(dir + "/outro.dat", dir + "/destino.dat"), HRESULT_FROM_WIN32(ERROR_ACCESS_DENIED));
-  EXPECT_EQ(QVDeleteFile(dir + "/destino.dat"), HRESULT_FROM_WIN32(ERROR_ACCESS_DENIED));
-  ASSERT_EQ(QVSetReadOnly(dir + "/destino.dat", false), S_OK);
-
-  EXPECT_EQ(QVDeleteFile(dir + "/DESTINO.DAT"), S_OK);
-  EXPECT_FALSE(QVFileExists(dir + "/destino.dat"));
-  EXPECT_EQ(QVDeleteFile(dir + "/destino.dat"), HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND));
-  EXPECT_EQ(QVDeleteFile(dir + "/falta/x"), HRESULT_FROM_WIN32(ERROR_PATH_NOT_FOUND));
+  ASSERT_EQ(QVSetReadOnly(dir + "/somente.dat", false), S_OK);
+  for (const char* nome : {"/Geatprj.DAT", "/ABC", "/somente.dat"}) EXPECT_EQ(QVDeleteFile(dir + nome), S_OK) << nome;
+  ASSERT_EQ(QVListDirectory(dir, &nomes), S_OK);
+  EXPECT_TRUE(nomes.empty());
 }
 
-TEST(QVOsFile, AtributoSomenteLeitura) {
-  const std::string caminho = QVTesteNovoDiretorio("somente") + "/dados.dat";
-  Grava(caminho, "abc");
-  ASSERT_EQ(QVSetReadOnly(caminho, true), S_OK);
-  EXPECT_TRUE(QVIsReadOnly(caminho));
-  auto arquivo = QVCreateRealOsFile();
-  // Refused even to the superuser, for any access that writes.
-  EXPECT_EQ(ErroAoAbrir(*arquivo, caminho, kEscrita), ERROR_ACCESS_DENIED);
-  EXPECT_EQ(ErroAoAbrir(*arquivo, caminho, QVFILE_MODE_WRITE | QVFILE_SHARE_DENY_NONE), ERROR_ACCESS_DENIED);
-  EXPECT_EQ(ErroAoAbrir(*arquivo, caminho, QVFILE_MODE_READ | QVFILE_SHARE_DENY_NONE | QVFILE_MODE_CREATE),
-            ERROR_ACCESS_DENIED);  // it would truncate
-  ASSERT_EQ(ErroAoAbrir(*arquivo, caminho, kLeitura), 0u);
-  arquivo->Close();
-
-  ASSERT_EQ(QVSetReadOnly(caminho, false), S_OK);
-  EXPECT_FALSE(QVIsReadOnly(caminho));
-  struct stat st {};
-  ASSERT_EQ(::stat(caminho.c_str(), &st), 0);
-  EXPECT_EQ(st.st_mode & 0200, 0200u);
-  EXPECT_EQ(ErroAoAbrir(*arquivo, caminho, kEscrita), 0u);
-  EXPECT_EQ(QVTesteLeArquivo(caminho), "abc");
-}
-
-TEST(QVOsFile, LeituraEscritaETamanho) {
-  const std::string caminho = QVTesteNovoDiretorio("dados") + "/dados.dat";
+TEST(QVOsFile, CriacaoLeituraEscritaETamanho) {
+  const std::string dir = QVTesteNovoDiretorio("dados");
+  const std::string caminho = dir + "/dados.dat";
   auto arquivo = QVCreateRealOsFile();
   ASSERT_EQ(ErroAoAbrir(*arquivo, caminho, kEscritaCria), 0u);
+  // Company data: nothing for others, no writing for the group.
+  EXPECT_EQ(fs::status(caminho).permissions() & fs::perms{0027}, fs::perms::none);
   ASSERT_TRUE(arquivo->Write("0123456789", 10));
   char buf[16] = {};
   std::size_t lidos = 0;
@@ -289,40 +247,22 @@ TEST(QVOsFile, LeituraEscritaETamanho) {
   EXPECT_EQ(lidos, 0u);
   // Shrinking and growing; the grown part reads as zeros.
   ASSERT_TRUE(arquivo->SetLength(4) && arquivo->SetLength(6) && arquivo->Flush());
+  // Creating an existing file with NO_TRUNCATE keeps its content.
+  ASSERT_EQ(ErroAoAbrir(*arquivo, caminho, kEscritaCria), 0u);
   arquivo->Close();
   EXPECT_EQ(QVTesteLeArquivo(caminho), std::string("0123\0\0", 6));
   // A read-only handle reads but neither writes nor changes the length.
   ASSERT_EQ(ErroAoAbrir(*arquivo, caminho, kLeitura), 0u);
   EXPECT_FALSE(arquivo->Write("x", 1) || arquivo->SetLength(0));
   EXPECT_EQ(arquivo->LastError(), ERROR_ACCESS_DENIED);
-}
-
-TEST(QVOsFile, CriacaoTruncamentoEErrosDeAbertura) {
-  const std::string dir = QVTesteNovoDiretorio("cria");
-  const std::string caminho = dir + "/dados.dat";
-  auto arquivo = QVCreateRealOsFile();
-  EXPECT_EQ(ErroAoAbrir(*arquivo, caminho, kEscrita), ERROR_FILE_NOT_FOUND);
-  EXPECT_EQ(ErroAoAbrir(*arquivo, dir + "/falta/dados.dat", kEscrita), ERROR_PATH_NOT_FOUND);
-  EXPECT_EQ(ErroAoAbrir(*arquivo, dir + "/falta/dados.dat", kEscritaCria), ERROR_PATH_NOT_FOUND);
-  EXPECT_EQ(ErroAoAbrir(*arquivo, dir, kLeitura), ERROR_ACCESS_DENIED);
-  EXPECT_EQ(ErroAoAbrir(*arquivo, dir, kEscritaCria), ERROR_ACCESS_DENIED);
-
-  ASSERT_EQ(ErroAoAbrir(*arquivo, dir + "/novo.dat", kEscritaCria), 0u);
-  struct stat st {};
-  ASSERT_EQ(::stat((dir + "/novo.dat").c_str(), &st), 0);
-  EXPECT_EQ(st.st_mode & 0027, 0u);  // company data: nothing for others, no writing for the group
-  Grava(caminho, "abc");
-  ASSERT_EQ(ErroAoAbrir(*arquivo, caminho, kEscritaCria), 0u);  // NO_TRUNCATE keeps the content
-  arquivo->Close();
-  EXPECT_EQ(QVTesteLeArquivo(caminho), "abc");
-  ASSERT_EQ(ErroAoAbrir(*arquivo, caminho, QVFILE_MODE_READWRITE | QVFILE_SHARE_DENY_WRITE | QVFILE_MODE_CREATE), 0u);
+  // Without NO_TRUNCATE it is emptied.
+  ASSERT_EQ(ErroAoAbrir(*arquivo, caminho, kMarca), 0u);
   arquivo->Close();
   EXPECT_EQ(QVTesteLeArquivo(caminho), "");
 
   // Every operation on a closed object is refused.
-  char buf[4];
-  std::size_t lidos = 99;
   std::uint64_t n = 0;
+  lidos = 99;
   EXPECT_FALSE(arquivo->Read(buf, 4, &lidos));
   EXPECT_EQ(lidos, 0u);
   EXPECT_FALSE(arquivo->Write(buf, 4) || arquivo->Seek(0) || arquivo->SeekToEnd(&n) || arquivo->GetLength(&n) ||
@@ -334,12 +274,8 @@ TEST(QVOsFile, DiretoriosEListagem) {
   const std::string base = QVTesteNovoDiretorio("diretorios");
   ASSERT_EQ(QVCreateDirectories(base + "/a/b/c"), S_OK);
   ASSERT_EQ(QVCreateDirectories(base + "/a/b/c"), S_OK);  // existing is fine
-  struct stat st {};
-  ASSERT_EQ(::stat((base + "/a/b").c_str(), &st), 0);
-  EXPECT_EQ(st.st_mode & 0027, 0u);
-  Grava(base + "/a/b/z.dat", "");
-  Grava(base + "/a/b/Y.dat", "");
-  Grava(base + "/a/b/y.dat", "");
+  EXPECT_EQ(fs::status(base + "/a/b").permissions() & fs::perms{0027}, fs::perms::none);
+  for (const char* nome : {"z.dat", "Y.dat", "y.dat"}) Grava(base + "/a/b/" + nome, "");
   std::vector<std::string> nomes{"lixo"};
   ASSERT_EQ(QVListDirectory(base + "/a/b", &nomes), S_OK);
   EXPECT_EQ(nomes, (std::vector<std::string>{"Y.dat", "y.dat", "z.dat"}));  // no directory "c"
@@ -350,16 +286,13 @@ TEST(QVOsFile, DiretoriosEListagem) {
   EXPECT_EQ(QVSyncDirectory(base + "/falta"), HRESULT_FROM_WIN32(ERROR_PATH_NOT_FOUND));
 }
 
-
 // The content lock: readers share it, a writer has it alone (two handles of
 // one process conflict as two processes do), a wait is bounded. The identity
 // tells a changed length and a replaced file from the file that was read.
 TEST(QVOsFile, TravaDeConteudoEIdentidade) {
   const std::string dir = QVTesteNovoDiretorio("trava");
   const std::string caminho = dir + "/dados.dat";
-  auto escritor = QVCreateRealOsFile();
-  auto leitor = QVCreateRealOsFile();
-  auto outro = QVCreateRealOsFile();
+  auto escritor = QVCreateRealOsFile(), leitor = QVCreateRealOsFile(), outro = QVCreateRealOsFile();
   ASSERT_EQ(ErroAoAbrir(*escritor, caminho, kEscritaCria), 0u);
   ASSERT_EQ(ErroAoAbrir(*leitor, caminho, kLeitura), 0u);
   ASSERT_EQ(ErroAoAbrir(*outro, caminho, kLeitura), 0u);

@@ -1,5 +1,6 @@
 #include "tests/support/QVTestSupport.h"
 
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -39,6 +40,17 @@ std::string QVTesteLeArquivo(const std::string& caminho) {
 
 void QVTesteDefineRegistro(const std::string& json) {
   std::ofstream(QVMachineSettingsPath(), std::ios::trunc) << json;
+}
+
+std::vector<int> QVTesteEmProcessos(int n, const std::function<int(int)>& corpo) {
+  std::vector<pid_t> filhos(n);
+  std::vector<int> status(n, -1);
+  // _exit, not exit: what the test process cleans up at its end is its own.
+  for (int i = 0; i < n; ++i)
+    if ((filhos[i] = ::fork()) == 0) ::_exit(corpo(i));
+  for (int i = 0; i < n; ++i)
+    if (filhos[i] > 0) ::waitpid(filhos[i], &status[i], 0);
+  return status;
 }
 
 namespace {

@@ -9,7 +9,12 @@
 // initialisation, the step that points its own part of the process there.
 #pragma once
 
+#include <sys/mman.h>
+
 #include <cstdint>
+#include <cstdlib>
+#include <functional>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -24,6 +29,20 @@ std::string QVTesteNovoDiretorio(const std::string& nome);
 std::string QVTesteLeArquivo(const std::string& caminho);
 // Writes the machine settings file (JSON text).
 void QVTesteDefineRegistro(const std::string& json);
+
+// Runs corpo(0) .. corpo(n - 1) at once, each in a process forked for it
+// that ends with what its corpo returns (nothing of the test runs there
+// after it); the processes' wait statuses, once all have ended: 0 each when
+// every corpo returned 0.
+std::vector<int> QVTesteEmProcessos(int n, const std::function<int(int)>& corpo);
+// A value-initialised T in memory that the processes forked after it share
+// with the test (for counting what they see); never freed.
+template <class T>
+T* QVTesteCompartilhado() {
+  void* p = ::mmap(nullptr, sizeof(T), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+  if (p == MAP_FAILED) std::abort();
+  return new (p) T{};
+}
 
 // A step that prepares the test process, given its private directory; run
 // by the test main in the order the steps were registered.

@@ -8,11 +8,10 @@
 
 namespace {
 
-constexpr CLSID kClasseNula = QVGuid("{AAAAAAAA-0000-0000-0000-000000000001}");
-constexpr CLSID kClasseInstavel = QVGuid("{AAAAAAAA-0000-0000-0000-000000000002}");
+constexpr CLSID kClasse = QVGuid("{AAAAAAAA-0000-0000-0000-000000000002}");
 
-// A factory that answers success without an object, or fails a given number
-// of times before it makes one.
+// A factory that fails a given number of times before it answers success,
+// with an object or without one.
 struct CFabrica final : IClassFactory {
   HRESULT QueryInterface(REFIID, void**) override { return E_NOINTERFACE; }
   std::uint32_t AddRef() override { return 2; }
@@ -20,12 +19,8 @@ struct CFabrica final : IClassFactory {
   HRESULT CreateInstance(IUnknown*, REFIID, void** ppv) override {
     ++tentativas;
     *ppv = nullptr;
-    if (falhasAntes > 0) {
-      --falhasAntes;
-      return CO_E_SERVER_EXEC_FAILURE;
-    }
-    if (nula) return S_OK;
-    *ppv = this;  // any non-null interface will do here
+    if (falhasAntes-- > 0) return CO_E_SERVER_EXEC_FAILURE;
+    if (!nula) *ppv = this;  // any non-null interface will do here
     return S_OK;
   }
   HRESULT LockServer(bool) override { return S_OK; }
@@ -38,23 +33,19 @@ class QVCriaObjetoTest : public ::testing::Test {
  protected:
   void SetUp() override {
     QVTesteLimpaLog();
-    ASSERT_EQ(CoRegisterClassObject(kClasseNula, &m_Nula, &m_c1), S_OK);
-    ASSERT_EQ(CoRegisterClassObject(kClasseInstavel, &m_Instavel, &m_c2), S_OK);
-    m_Nula.nula = true;
+    ASSERT_EQ(CoRegisterClassObject(kClasse, &m_Fabrica, &m_Registro), S_OK);
   }
-  void TearDown() override {
-    (void)CoRevokeClassObject(m_c1);
-    (void)CoRevokeClassObject(m_c2);
-  }
-  CFabrica m_Nula, m_Instavel;
-  std::uint32_t m_c1 = 0, m_c2 = 0;
+  void TearDown() override { (void)CoRevokeClassObject(m_Registro); }
+  CFabrica m_Fabrica;
+  std::uint32_t m_Registro = 0;
+  void* p = nullptr;
 };
 
 }  // namespace
 
 TEST_F(QVCriaObjetoTest, InterfaceNulaEhFalha) {
-  void* p = nullptr;
-  EXPECT_EQ(QVCoCreateInstance(kClasseNula, IID_IUnknown, &p, eQVCCI_LOG_FAILURE),
+  m_Fabrica.nula = true;
+  EXPECT_EQ(QVCoCreateInstance(kClasse, IID_IUnknown, &p, eQVCCI_LOG_FAILURE),
             ER_QVDF_CO_CREATE_INSTANCE_INTERFACE_NULA);
   const auto linhas = QVTesteLinhasErro();
   ASSERT_EQ(linhas.size(), 1u);
@@ -62,15 +53,15 @@ TEST_F(QVCriaObjetoTest, InterfaceNulaEhFalha) {
 }
 
 TEST_F(QVCriaObjetoTest, NovaTentativaSoParaFalhasPassageiras) {
-  void* p = nullptr;
-  m_Instavel.falhasAntes = 1;
-  EXPECT_EQ(QVCoCreateInstance(kClasseInstavel, IID_IUnknown, &p, eQVCCI_RETRY), S_OK);
-  EXPECT_EQ(m_Instavel.tentativas, 2);
+  m_Fabrica.falhasAntes = 1;
+  EXPECT_EQ(QVCoCreateInstance(kClasse, IID_IUnknown, &p, eQVCCI_RETRY), S_OK);
+  EXPECT_EQ(m_Fabrica.tentativas, 2);
+  EXPECT_TRUE(QVTesteLinhasErro().empty());
 
-  m_Instavel.falhasAntes = 1;
-  m_Instavel.tentativas = 0;
-  EXPECT_EQ(QVCoCreateInstance(kClasseInstavel, IID_IUnknown, &p, eQVCCI_LOG_FAILURE), CO_E_SERVER_EXEC_FAILURE);
-  EXPECT_EQ(m_Instavel.tentativas, 1);
+  // Without the retry flag: one attempt only.
+  m_Fabrica.falhasAntes = 1;
+  EXPECT_EQ(QVCoCreateInstance(kClasse, IID_IUnknown, &p, eQVCCI_LOG_FAILURE), CO_E_SERVER_EXEC_FAILURE);
+  EXPECT_EQ(m_Fabrica.tentativas, 3);
   const auto linhas = QVTesteLinhasErro();
   ASSERT_EQ(linhas.size(), 1u);
   // The description keeps its line breaks as spaces: one record, one line.

@@ -44,28 +44,21 @@ TEST(QVTranslate, CadaClausulaNaOrdem) {
   EXPECT_EQ(Traduz(std::runtime_error("x")), QVHr(0x8004EA65u));
   EXPECT_EQ(Traduz(CQVSEH()), QVHr(0x8004EA66u));
   EXPECT_EQ(Traduz(0x80041234u), QVHr(0x8004EA66u));  // an unsigned int is no status
-}
-
-// A 64-bit long is a status only when the value is one, spelt signed or
-// unsigned; wider values are not cut down to one.
-TEST(QVTranslate, LongDe64Bits) {
+  // A 64-bit long is a status only when the value is one, spelt signed or
+  // unsigned; wider values are not cut down to one.
   static_assert(sizeof(long) == 8);
-  EXPECT_EQ(Traduz(static_cast<long>(QVHr(0x80041234u))), QVHr(0x80041234u));
-  EXPECT_EQ(Traduz(0x80041234L), QVHr(0x80041234u));
-  EXPECT_EQ(Traduz(0xFFFFFFFFL), QVHr(0xFFFFFFFFu));
-  EXPECT_EQ(Traduz(-2147483648L), QVHr(0x80000000u));
-  EXPECT_EQ(Traduz(0x100000000L), QVHr(0x8004EA66u));
-  EXPECT_EQ(Traduz(0x180041234L), QVHr(0x8004EA66u));
-  EXPECT_EQ(Traduz(-2147483649L), QVHr(0x8004EA66u));
+  for (const auto& [valor, status] : {std::pair{static_cast<long>(QVHr(0x80041234u)), 0x80041234u},
+                                      {0x80041234L, 0x80041234u}, {0xFFFFFFFFL, 0xFFFFFFFFu},
+                                      {-2147483648L, 0x80000000u}, {0x100000000L, 0x8004EA66u},
+                                      {0x180041234L, 0x8004EA66u}, {-2147483649L, 0x8004EA66u}})
+    EXPECT_EQ(Traduz(valor), QVHr(status)) << std::hex << valor;
 }
 
 TEST(QVTranslate, CQVExceptionRelatorio) {
-  const CQVException semTexto(0, 0, 0);
-  EXPECT_EQ(semTexto.TextoRelatorio(), "Erro desconhecido encontrado. Código (0)");
-  const CQVException comSO("Falhou", 0, 5);
-  EXPECT_EQ(comSO.TextoRelatorio(), "Falhou\nErro do SO: 5 - Acesso negado");
-  const CQVException daTabela(16284, 0, 0);  // message of the table, filled on first use
-  EXPECT_EQ(daTabela.GetErrorMessage(), QVDescricaoHResult(QVHr(0x80043F9Cu)));
+  EXPECT_EQ(CQVException(0, 0, 0).TextoRelatorio(), "Erro desconhecido encontrado. Código (0)");
+  EXPECT_EQ(CQVException("Falhou", 0, 5).TextoRelatorio(), "Falhou\nErro do SO: 5 - Acesso negado");
+  // A message number's text comes from the table, filled on first use.
+  EXPECT_EQ(CQVException(16284, 0, 0).GetErrorMessage(), QVDescricaoHResult(QVHr(0x80043F9Cu)));
 }
 
 // Every code the filter accepts maps to its own status inside the range
@@ -76,11 +69,9 @@ TEST(QVTranslate, TabelaDeExcecoesEstruturadas) {
                           0xC000008Fu, 0xC0000090u, 0xC0000091u, 0xC0000092u, 0xC0000093u, 0x80000001u,
                           0xC000001Du, 0xC0000006u, 0xC0000094u, 0xC0000095u, 0xC0000026u, 0xC0000008u,
                           0xC0000025u, 0xC0000096u, 0x80000004u, 0xC00000FDu}) {
-    EXPECT_TRUE(QVFiltroSEHAceita(c)) << std::hex << c;
-    EXPECT_TRUE(QVEhCodigoSEH(QVHresultDeSEH(c))) << std::hex << c;
-    statuses.insert(QVHresultDeSEH(c));
+    EXPECT_TRUE(QVFiltroSEHAceita(c) && QVEhCodigoSEH(QVHresultDeSEH(c))) << std::hex << c;
+    EXPECT_TRUE(statuses.insert(QVHresultDeSEH(c)).second) << std::hex << c;  // each its own
   }
-  EXPECT_EQ(statuses.size(), 22u);
   EXPECT_EQ(QVHresultDeSEH(0xC00000FDu), QVHr(0x8004EADAu));  // stack overflow
   EXPECT_EQ(QVHresultDeSEH(0x80000029u), QVHr(0x8004EADBu));  // mapped, never accepted
   EXPECT_FALSE(QVFiltroSEHAceita(0x80000029u));
@@ -104,18 +95,13 @@ TEST(QVTranslate, TabelaDeErrno) {
   EXPECT_EQ(QVHresultDeErrno(QVErrnoRuntimeDeErrno(EACCES)), QVHr(0x8004EAE8u));
 }
 
+// The names the error log prints are checked there, in whole lines; here,
+// what has no name, and the table every code comes from.
 TEST(QVStatus, NomesEDescricoes) {
-  EXPECT_STREQ(QVNomeSeveridade(0), "SEVERITY_SUCCESS");
-  EXPECT_STREQ(QVNomeSeveridade(1), "SEVERITY_ERROR");
-  EXPECT_STREQ(QVNomeSeveridade(2), "Desconhecido ou novo código de SEVERITY");
-  EXPECT_STREQ(QVNomeFacility(4), "FACILITY_ITF");
-  EXPECT_EQ(QVNomeSimbolico(E_UNEXPECTED), "E_UNEXPECTED");
-  EXPECT_EQ(QVNomeSimbolico(QVHr(0x81080C19u)), "E_QVCR_ESTRUTURA_INICIALIZACAO_INVALIDA");
-  EXPECT_EQ(QVNomeSimbolico(HRESULT_FROM_WIN32(ERROR_SHARING_VIOLATION)),
-            "HRESULT_FROM_WIN32(ERROR_SHARING_VIOLATION)");
   EXPECT_EQ(QVNomeSimbolico(QVHr(0x8004FFFFu)), "");
   EXPECT_EQ(QVGetDescricaoHRESULT(QVHr(0x8004FFFFu)), "Código de erro 0x8004FFFF sem descrição");
-  // Every code of the table has a name of its family and a message.
+  // Every code of the table is found (it is kept in order), has a name of
+  // its family and a message.
   for (const QVCodigoSistema& c : QVTabelaCodigosSistema()) {
     EXPECT_EQ(QVProcuraCodigoSistema(c.hr), &c);
     EXPECT_TRUE(std::string(c.nome).rfind("E_", 0) == 0 || std::string(c.nome).rfind("ER_", 0) == 0) << c.nome;
