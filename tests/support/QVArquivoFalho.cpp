@@ -6,8 +6,9 @@
 #include <fstream>
 #include <map>
 #include <mutex>
-#include <sstream>
 #include <thread>
+
+#include "tests/support/QVTestSupport.h"
 
 struct CQVArquivoFalho::Estado {
   QVPlanoFalhas plano;
@@ -22,11 +23,7 @@ struct CQVArquivoFalho::Estado {
   void Registra(const std::string& caminho, Evento e) {
     std::lock_guard lock(mutex);
     const auto [it, bNovo] = duraveis.try_emplace(caminho);
-    if (bNovo || e == kSincronizou) {
-      std::stringstream ss;
-      ss << std::ifstream(caminho, std::ios::binary).rdbuf();
-      it->second.first = ss.str();
-    }
+    if (bNovo || e == kSincronizou) it->second.first = QVTesteLeArquivo(caminho);
     it->second.second = e == kEscreveu || (e == kAbriu && !bNovo && it->second.second);
   }
   // Renames are synced: the file keeps what it held, under its new name.
@@ -138,8 +135,6 @@ CQVArquivoFalho::~CQVArquivoFalho() {
   QVSetOsFileFactory({});
 }
 
-int CQVArquivoFalho::Escritas() const { return m_Estado->escritas; }
-int CQVArquivoFalho::Flushes() const { return m_Estado->flushes; }
 int CQVArquivoFalho::Falhas() const { return m_Estado->falhas; }
 int CQVArquivoFalho::Operacoes() const { return m_Estado->operacoes; }
 bool CQVArquivoFalho::Caiu() const { return m_Estado->caiu; }

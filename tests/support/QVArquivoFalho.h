@@ -45,8 +45,6 @@ class CQVArquivoFalho {
   CQVArquivoFalho(const CQVArquivoFalho&) = delete;
   CQVArquivoFalho& operator=(const CQVArquivoFalho&) = delete;
 
-  int Escritas() const;
-  int Flushes() const;
   int Falhas() const;
   // The operations a crash can stop, counted so far (a run without a crash
   // tells how many fault points an operation has).

@@ -1,12 +1,12 @@
 #include "tests/support/QVTesteArquivos.h"
 
+#include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
-#include <sstream>
 
 #include "df/qvlibex/QVCrc64.h"
-#include "suite/hostlink/QVSessaoSuite.h"
 
 REG_TESTE QVTesteRegistro(std::uint32_t codigo, std::uint32_t grupo, const char* nome) {
   REG_TESTE r{};
@@ -16,16 +16,25 @@ REG_TESTE QVTesteRegistro(std::uint32_t codigo, std::uint32_t grupo, const char*
   return r;
 }
 
+std::string QVTesteBytesDe(const std::vector<REG_TESTE>& registros) {
+  return {reinterpret_cast<const char*>(registros.data()), registros.size() * sizeof(REG_TESTE)};
+}
+
+HRESULT QVTesteAcrescenta(CQVFile<REG_TESTE>& f, std::initializer_list<std::uint32_t> codigos) {
+  std::vector<REG_TESTE> registros;
+  for (std::uint32_t c : codigos) registros.push_back(QVTesteRegistro(c));
+  QVUInt pos = 0;
+  return f.GravaColecao(pos, registros);
+}
+
+HRESULT QVTesteAcrescenta(CQVTextFile& f, const std::vector<std::string>& textos) {
+  QVUInt pos = 0;
+  return f.GravaColecao(pos, textos);
+}
+
 const CQVProfilerEmpresa& QVTesteIdentidade() {
   static const CQVProfilerEmpresa identidade("EMPRESA_TESTE", 7, 1234);
   return identidade;
-}
-
-std::string QVTesteBytes(const std::string& caminho) {
-  std::ifstream in(caminho, std::ios::binary);
-  std::stringstream ss;
-  ss << in.rdbuf();
-  return ss.str();
 }
 
 void QVTesteGravaBytes(const std::string& caminho, const std::string& bytes) {
@@ -50,9 +59,21 @@ void QVTesteAlteraCabecalho(const std::string& caminho, const std::function<void
   QVTesteGravaBytes(caminho, b);
 }
 
-namespace {
-std::uint64_t ChaveCodigo(const REG_TESTE& r, QVUInt) { return r.lCodigo; }
-}  // namespace
+std::size_t QVTesteLinhasCom(std::initializer_list<std::string> trechos) {
+  std::size_t n = 0;
+  for (const std::string& l : QVTesteLinhasErro())
+    n += std::all_of(trechos.begin(), trechos.end(),
+                     [&](const std::string& t) { return l.find(t) != std::string::npos; });
+  return n;
+}
+
+std::uint64_t QVTesteChaveCodigo(const REG_TESTE& r, QVUInt) { return r.lCodigo; }
+
+std::string QVTesteHrNoLog(HRESULT hr) {
+  char s[32];
+  std::snprintf(s, sizeof s, "hr = %#X", static_cast<unsigned>(hr));
+  return s;
+}
 
 CQVDataBase* CQVTestePasta::Banco() {
   auto& db = m_DBs.emplace_back(std::make_unique<CQVDataBase>(QV_GE));
@@ -64,7 +85,7 @@ CQVDataBase* CQVTestePasta::Banco() {
 
 std::unique_ptr<CQVFile<REG_TESTE>> CQVTestePasta::Registros(const std::string& nome) {
   return Inicializa(std::make_unique<CQVFile<REG_TESTE>>(
-      nome, QV_GE, std::initializer_list<CQVFile<REG_TESTE>::Indice>{{&ChaveCodigo, false, false}}));
+      nome, QV_GE, std::initializer_list<CQVFile<REG_TESTE>::Indice>{{&QVTesteChaveCodigo, false, false}}));
 }
 
 std::unique_ptr<CQVTextFile> CQVTestePasta::Textos(const std::string& nome) {
@@ -73,7 +94,8 @@ std::unique_ptr<CQVTextFile> CQVTestePasta::Textos(const std::string& nome) {
 
 std::unique_ptr<CQVGroupFile<REG_TESTE>> CQVTestePasta::Meses() {
   return Inicializa(std::make_unique<CQVGroupFile<REG_TESTE>>(
-      "GEATTPINT??????.DAT", QV_GE, std::initializer_list<CQVFile<REG_TESTE>::Indice>{{&ChaveCodigo, false, false}}));
+      "GEATTPINT??????.DAT", QV_GE,
+      std::initializer_list<CQVFile<REG_TESTE>::Indice>{{&QVTesteChaveCodigo, false, false}}));
 }
 
 std::vector<std::uint32_t> CQVTestePasta::Codigos(const std::string& nome) {

@@ -1,9 +1,14 @@
-// Helpers for the record store's tests: raw file bytes, header patches, a
-// test identity, a small record type, and a folder seen as a company's.
+// Helpers for the record store's tests, with what they all include: raw
+// file bytes, header patches, a test identity, a small record type, and a
+// folder seen as a company's.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <cstdint>
+#include <filesystem>
 #include <functional>
+#include <initializer_list>
 #include <memory>
 #include <string>
 #include <vector>
@@ -13,28 +18,44 @@
 #include "core/qvdatabase/QVFormatoCabecalho.h"
 #include "core/qvdatabase/QVGroupFile.h"
 #include "core/qvdatabase/QVTextFile.h"
+#include "df/qvlibex/QVCodigos.h"
+#include "df/qvlibex/QVDatas.h"
 #include "df/qvlibex/QVProfilerEmpresa.h"
+#include "suite/hostlink/QVSessaoSuite.h"
+#include "tests/support/QVTestSupport.h"
 
 // 32 bytes, like the small record files of the system.
 struct REG_TESTE {
   std::uint32_t lCodigo;  // unique key, never zero (column 0)
-  std::uint32_t lGrupo;  // repeated keys allowed, zero allowed (column 1)
+  std::uint32_t lGrupo;   // repeated keys allowed, zero allowed (column 1)
   char szNome[24];
 };
 static_assert(sizeof(REG_TESTE) == 32);
 
+// The key of the code column.
+std::uint64_t QVTesteChaveCodigo(const REG_TESTE& r, QVUInt coluna);
 REG_TESTE QVTesteRegistro(std::uint32_t codigo, std::uint32_t grupo = 0, const char* nome = "");
+// The bytes of records as a file holds them, one after the other.
+std::string QVTesteBytesDe(const std::vector<REG_TESTE>& registros);
+
+// Appends at the end of a file (position 0); the status of the write.
+HRESULT QVTesteAcrescenta(CQVFile<REG_TESTE>& f, std::initializer_list<std::uint32_t> codigos);
+HRESULT QVTesteAcrescenta(CQVTextFile& f, const std::vector<std::string>& textos);
 
 // The identity files are opened under in the tests.
 const CQVProfilerEmpresa& QVTesteIdentidade();
 
-std::string QVTesteBytes(const std::string& caminho);
+inline std::string QVTesteBytes(const std::string& caminho) { return QVTesteLeArquivo(caminho); }
 void QVTesteGravaBytes(const std::string& caminho, const std::string& bytes);
 // Changes header fields on disk; with bCorrigeCrc the header check is
 // recomputed (so only the changed field is wrong).
 void QVTesteAlteraCabecalho(const std::string& caminho, const std::function<void(QVCabecalhoArquivo&)>& altera,
                             bool bCorrigeCrc = true);
 QVCabecalhoArquivo QVTesteLeCabecalho(const std::string& caminho);
+// The lines of the error log that hold every one of these pieces; how the
+// log writes a status ("hr = 0X81080C07").
+std::size_t QVTesteLinhasCom(std::initializer_list<std::string> trechos);
+std::string QVTesteHrNoLog(HRESULT hr);
 
 // A process's view of a test folder as a company's: every file is opened
 // through a database of its own (kept here, as files point at theirs), with

@@ -2,18 +2,12 @@
 // the other before it writes or answers a read, its unique keys hold, nothing
 // is lost; a reader never sees half a write; a compaction killed anywhere
 // leaves a file that opens with every acknowledged text.
-#include <gtest/gtest.h>
-
 #include <chrono>
-#include <filesystem>
 #include <random>
 #include <thread>
 
-#include "df/qvlibex/QVCodigos.h"
-#include "df/qvlibex/QVDatas.h"
 #include "tests/support/QVArquivoFalho.h"
 #include "tests/support/QVProcessoFilho.h"
-#include "tests/support/QVTestSupport.h"
 #include "tests/support/QVTesteArquivos.h"
 
 namespace {
@@ -26,13 +20,10 @@ class QVEntreProcessosTest : public ::testing::Test {
  protected:
   // The other process's writes wait for nothing: a file this one holds
   // refuses them at once.
-  void SetUp() override {
-    m_Dir = QVTesteNovoDiretorio("entre");
-    CQVFileBase::DefineTentativasAbertura(2, 1);
-  }
+  void SetUp() override { CQVFileBase::DefineTentativasAbertura(2, 1); }
   void TearDown() override { CQVFileBase::DefineTentativasAbertura(500, 10); }
 
-  std::string m_Dir;
+  std::string m_Dir = QVTesteNovoDiretorio("entre");
 };
 
 }  // namespace
@@ -51,8 +42,8 @@ TEST_F(QVEntreProcessosTest, RegistrosDoOutroProcessoSaoVistosAntesDeLerEDeGrava
       codigo -= kSegura;
     }
     QVUInt pos = codigo < 0 ? 1 : 0;
-    return static_cast<std::int32_t>(f->Grava(pos, QVTesteRegistro(codigo < 0 ? -codigo : codigo, 0,
-                                                                    codigo < 0 ? "reescrito" : "")));
+    return static_cast<std::int32_t>(
+        f->Grava(pos, QVTesteRegistro(codigo < 0 ? -codigo : codigo, 0, codigo < 0 ? "reescrito" : "")));
   });
   CProcesso a(m_Dir);
   auto f = a.Registros();  // absent at the load
@@ -64,12 +55,12 @@ TEST_F(QVEntreProcessosTest, RegistrosDoOutroProcessoSaoVistosAntesDeLerEDeGrava
   CQVFileBase::DefineTentativasAbertura(500, 10);
   ASSERT_TRUE(outro.Envia(kSegura + 6));
   ASSERT_EQ(outro.Resposta(), S_OK);
-  QVUInt pos = 0;
-  EXPECT_EQ(f->Grava(pos, QVTesteRegistro(6)), E_QVCR_CHAVE_DE_INDEXACAO_REPETIDA);
+  EXPECT_EQ(QVTesteAcrescenta(*f, {6}), E_QVCR_CHAVE_DE_INDEXACAO_REPETIDA);
   ASSERT_EQ(outro.Resposta(), S_OK);
   CQVFileBase::DefineTentativasAbertura(2, 1);
-  ASSERT_EQ(f->Grava(pos = 0, QVTesteRegistro(7)), S_OK);
-  EXPECT_EQ(pos, 3u);  // at the end of the file as it is on disk
+  QVUInt pos = 0;
+  ASSERT_EQ(f->Grava(pos, QVTesteRegistro(7)), S_OK);
+  EXPECT_EQ(pos, 3u);                  // at the end of the file as it is on disk
   EXPECT_EQ(outro.Pede(8), kOcupado);  // held now: the other process is refused
   f.reset();
   EXPECT_EQ(a.Codigos(), (std::vector<std::uint32_t>{5, 6, 7}));
@@ -92,11 +83,7 @@ TEST_F(QVEntreProcessosTest, TextosDoOutroProcessoNaoSaoSobrescritos) {
   std::unique_ptr<CProcesso> leitorFilho;
   std::unique_ptr<CQVTextFile> aberto;
   CQVProcessoFilho outro([&, dir = m_Dir](std::int32_t pedido) -> std::int32_t {
-    if (pedido == 1) {
-      CProcesso b(dir);
-      QVUInt pos = 0;
-      return b.Textos()->GravaColecao(pos, {"alfa", "beta"});
-    }
+    if (pedido == 1) return QVTesteAcrescenta(*CProcesso(dir).Textos(), {"alfa", "beta"});
     if (pedido == 2) {
       leitorFilho = std::make_unique<CProcesso>(dir, true);
       aberto = leitorFilho->Textos();
@@ -110,7 +97,7 @@ TEST_F(QVEntreProcessosTest, TextosDoOutroProcessoNaoSaoSobrescritos) {
   ASSERT_EQ(outro.Pede(1), S_OK);
   QVUInt pos = 0;
   ASSERT_EQ(t->Grava(pos, "gama"), S_OK);
-  EXPECT_EQ(pos, 3u);
+  EXPECT_EQ(pos, 3u);  // after the other process's texts
 
   // A compaction while another process has the file open fails, the old
   // file and memory as they were, and succeeds once it is closed.
@@ -205,8 +192,7 @@ TEST_F(QVEntreProcessosTest, CompactacaoMortaNoMeioDeixaOArquivoInteiro) {
   auto texto = [](int p, int versao) { return std::string(kComprimento - versao, static_cast<char>('a' + p)); };
   std::vector<std::string> iniciais;
   for (int p = 0; p < kTextos; ++p) iniciais.push_back(texto(p, 0));
-  QVUInt pos = 0;
-  ASSERT_EQ(CProcesso(m_Dir).Textos()->GravaColecao(pos, iniciais), S_OK);
+  ASSERT_EQ(QVTesteAcrescenta(*CProcesso(m_Dir).Textos(), iniciais), S_OK);
   std::vector<int> versoes(kTextos, 0);  // acknowledged, per position
   std::mt19937 gerador(20240601);
   int iNoMeio = 0;
