@@ -219,6 +219,10 @@ HRESULT CQVFileBase::AbreArquivo(EQVDataBase_ModoAbertura eModoAbertura) {
   m_eUltimoModo = eModoAbertura;
   if (ArquivoAberto()) {
     if (m_eOpenMode == eModoAbertura) return S_OK;
+    // Both writing modes open an existing file alike (they differ only in
+    // creating an absent one): a file held for writing stays held, so that
+    // no other process can take it between a load and the first write.
+    if (QVModoGravacao(m_eOpenMode) && QVModoGravacao(eModoAbertura)) return S_OK;
     FechaArquivo();
   }
 
@@ -362,10 +366,9 @@ HRESULT CQVFileBase::ValidaCabecalhoV01() {
   return S_OK;
 }
 
-void CQVFileBase::PreencheTextos(QVCabecalhoArquivo& c, bool bCriacao) const {
+void CQVFileBase::PreencheTextos(QVCabecalhoArquivo& c, bool bCriacao, std::int64_t agora) const {
   const std::string sEmpresa = Ultimos(QVUtf8ToAnsi(GetEmpresa()), kQVMaxTextoCabecalho);
   const std::string sComputador = QVComputerName();
-  const std::int64_t agora = QVDataHoraAgora();
   if (bCriacao) {
     CopiaTexto(c.szEmpresa, sEmpresa);
     CopiaTexto(c.szComputador, sComputador);
@@ -405,7 +408,7 @@ HRESULT CQVFileBase::GeraDadosCabecalho() {
   m_Cabecalho.usVersaoSistemaCriacao = kQVVersaoSistema;
   m_Cabecalho.usVersaoSistemaAtualizacao = kQVVersaoSistema;
   CopiaTexto(m_Cabecalho.szNomeArquivo, Ultimos(QVUtf8ToAnsi(m_sNomeArquivo), kQVMaxTextoCabecalho));
-  PreencheTextos(m_Cabecalho, true);
+  PreencheTextos(m_Cabecalho, true, agora);
   m_Cabecalho.uiVerificacaoCabecalho = QVCrc64(&m_Cabecalho, kQVBytesCrcCabecalho);
   m_bCabecalhoExaminado = true;
   m_bPossuiCabecalho = true;
@@ -541,7 +544,10 @@ HRESULT CQVFileBase::SubstituiDados(const void* pDados, std::size_t n, bool* pbS
 }
 
 void CQVFileBase::PreparaAtualizacao(QVCabecalhoArquivo* c, QVUInt uiTamanhoDados) const {
-  c->iUltimaAtualizacao = QVDataHoraAgora();
+  // One reading of the clock: a change of company or computer is dated
+  // with the update that saw it.
+  const std::int64_t agora = QVDataHoraAgora();
+  c->iUltimaAtualizacao = agora;
   c->uiTamanhoDados = uiTamanhoDados;
   if (c->uiContadorAtualizacoes == ~std::uint64_t{0}) {
     c->uiContadorAtualizacoes = 0;
@@ -552,7 +558,7 @@ void CQVFileBase::PreparaAtualizacao(QVCabecalhoArquivo* c, QVUInt uiTamanhoDado
   c->uiNumeroSessao = GetNumeroSessao();
   c->ulUsuario = GetUsuario();
   c->usVersaoSistemaAtualizacao = kQVVersaoSistema;
-  PreencheTextos(*c, false);
+  PreencheTextos(*c, false, agora);
   c->uiVerificacaoCabecalho = QVCrc64(c, kQVBytesCrcCabecalho);
 }
 

@@ -234,7 +234,7 @@ class CQVFileBase : public IQVFileBase {
   [[nodiscard]] HRESULT LeAbsoluto(QVUInt uiOffset, void* pBuffer, std::size_t n);
   [[nodiscard]] HRESULT GravaAbsoluto(QVUInt uiOffset, const void* pBuffer, std::size_t n);
   [[nodiscard]] HRESULT TamanhoArquivo(QVUInt* puiTamanho);
-  void PreencheTextos(QVCabecalhoArquivo& c, bool bCriacao) const;
+  void PreencheTextos(QVCabecalhoArquivo& c, bool bCriacao, std::int64_t agora) const;
 
   std::unique_ptr<IQVOsFile> m_pArquivo;
   CQVDataBase* m_pDataBase = nullptr;
