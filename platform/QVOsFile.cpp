@@ -592,6 +592,18 @@ HRESULT QVGetFileIdentity(const std::string& path, QVFileIdentity* pIdentity) {
   return S_OK;
 }
 
+HRESULT QVGetDirectoryChangeTime(const std::string& dir, std::int64_t* piChangedNs) {
+  *piChangedNs = 0;
+  struct stat st {};
+  if (::stat(dir.empty() ? "." : dir.c_str(), &st) != 0) {
+    if (errno == ENOENT) return S_OK;
+    return HRESULT_FROM_WIN32(QVWin32ErrorFromErrno(errno));
+  }
+  if (!S_ISDIR(st.st_mode)) return HRESULT_FROM_WIN32(ERROR_DIRECTORY);
+  *piChangedNs = static_cast<std::int64_t>(st.st_mtim.tv_sec) * 1000000000 + st.st_mtim.tv_nsec;
+  return S_OK;
+}
+
 HRESULT QVDeleteFile(const std::string& path) {
   if (const std::uint32_t err = AskNameHook(path, {}); err != 0) return HRESULT_FROM_WIN32(err);
   const std::string resolved = QVResolvePathCase(path);

@@ -126,6 +126,10 @@ std::string QVResolvePathCase(const std::string& path);
 bool QVFileExists(const std::string& path);
 // The identity of the file at the path (bExists false when there is none).
 [[nodiscard]] HRESULT QVGetFileIdentity(const std::string& path, QVFileIdentity* pIdentity);
+// When a directory's entries last changed (a file created, renamed or
+// deleted in it), in nanoseconds of the wall clock (as the file system
+// records it, to its own granularity); 0 when the directory does not exist.
+[[nodiscard]] HRESULT QVGetDirectoryChangeTime(const std::string& dir, std::int64_t* piChangedNs);
 [[nodiscard]] HRESULT QVDeleteFile(const std::string& path);
 // Renames, replacing an existing destination; both names resolved as above
 // (a destination that differs only in case is the same file: the rename

@@ -1,6 +1,6 @@
 #include "core/qvdatabase/QVGroupFileBase.h"
 
-#include <cctype>
+#include <chrono>
 
 #include "core/qvdatabase/CQVDataBaseUtil.h"
 #include "core/qvdatabase/QVFileNameFormat.h"
@@ -11,6 +11,9 @@ namespace {
 
 // The period text of a name: the characters under the pattern's '?' run.
 std::string Prefixo(const std::string& sPadrao) { return sPadrao.substr(0, sPadrao.find('?')); }
+
+// Wider than any file system's granularity for a directory's time of change.
+constexpr std::int64_t kMargemRelogioNs = 2'000'000'000;
 
 }  // namespace
 
@@ -53,6 +56,7 @@ HRESULT CQVGroupFileBase::InicializaMembro(CQVFileBase* pQVFile) {
 HRESULT CQVGroupFileBase::OnInicializa() {
   std::lock_guard lock(m_mutex);
   m_Membros.clear();
+  m_iDiretorioMudouNs = -1;
   QV_CHECK_ARQ(CQVFileBase::OnInicializa());
   QV_CHECK_ARQ(IncluiMembrosDoDiretorio(true));
   return S_OK;
@@ -63,6 +67,17 @@ HRESULT CQVGroupFileBase::IncluiMembrosDoDiretorio(bool bReter) {
   std::string sPathArquivo;
   QV_CHECK_ARQ(CQVDataBaseUtil::GetPathArquivo(this, Prefixo(m_sNomeArquivo), &sPathArquivo));
   const std::string sDiretorio = sPathArquivo.substr(0, sPathArquivo.find_last_of('/'));
+  // Before the stat: a change during the listing leaves a newer time than
+  // the one recorded, and the next call lists again.
+  const std::int64_t iAgoraNs = std::chrono::duration_cast<std::chrono::nanoseconds>(
+                                    std::chrono::system_clock::now().time_since_epoch())
+                                    .count();
+  std::int64_t iMudouNs = 0;
+  QV_CHECK_ARQ(QVGetDirectoryChangeTime(sDiretorio, &iMudouNs), {"sDiretorio", sDiretorio});
+  // A change in the same tick of the file system's clock as the one seen
+  // would not move the time: the listing is trusted only once it began well
+  // after the change it saw.
+  if (iMudouNs == m_iDiretorioMudouNs && m_iListadoEmNs - iMudouNs > kMargemRelogioNs) return S_OK;
   std::vector<std::string> nomes;
   const HRESULT hrLista = QVListDirectory(sDiretorio, &nomes);
   // A directory that does not exist yet holds no members.
@@ -81,6 +96,8 @@ HRESULT CQVGroupFileBase::IncluiMembrosDoDiretorio(bool bReter) {
     QV_CHECK_ARQ(InicializaMembro(pQVFile.get()), {"sNome", sNome});
     m_Membros[uiChave] = std::move(pQVFile);
   }
+  m_iDiretorioMudouNs = iMudouNs;
+  m_iListadoEmNs = iAgoraNs;
   return S_OK;
 }
 
@@ -119,11 +136,9 @@ HRESULT CQVGroupFileBase::ProcuraMembro(std::uint64_t uiChaveNomeArquivo, CQVFil
   std::lock_guard lock(m_mutex);
   *ppMembro = Membro(uiChaveNomeArquivo);
   if (*ppMembro != nullptr || uiChaveNomeArquivo == 0 || uiChaveNomeArquivo > kQVMesAnoMaximo) return S_OK;
-  std::string sPath;
-  QV_CHECK_ARQ(CQVDataBaseUtil::GetPathArquivo(this, NomeArquivoDaChave(uiChaveNomeArquivo), &sPath));
-  if (!QVFileExists(sPath)) return S_OK;
-  QV_CHECK_ARQ(IncluiMembro(uiChaveNomeArquivo, ppMembro, false),
-               {"uiChaveNomeArquivo", std::to_string(uiChaveNomeArquivo)});
+  // Another process may have made the month's file since.
+  QV_CHECK_ARQ(IncluiMembrosDoDiretorio(false), {"uiChaveNomeArquivo", std::to_string(uiChaveNomeArquivo)});
+  *ppMembro = Membro(uiChaveNomeArquivo);
   return S_OK;
 }
 

@@ -68,7 +68,9 @@ class CQVGroupFileBase : public CQVFileBase {
  private:
   [[nodiscard]] HRESULT InicializaMembro(CQVFileBase* pQVFile);
   // Adds a member for every file of the directory that matches the pattern
-  // and has none yet.
+  // and has none yet. The directory is listed again only when its entries
+  // changed since the last listing: reads of a group cost a stat, not a
+  // directory scan.
   [[nodiscard]] HRESULT IncluiMembrosDoDiretorio(bool bReter);
 
   // Guards the map: reads may add members. A member, once in, stays until
@@ -76,4 +78,8 @@ class CQVGroupFileBase : public CQVFileBase {
   mutable std::recursive_mutex m_mutex;
   std::map<std::uint64_t, std::unique_ptr<CQVFileBase>> m_Membros;
   bool m_bControleDesabilitado = false;
+  // The directory's time of change seen by the last listing (-1: none yet)
+  // and the wall-clock time that listing began.
+  std::int64_t m_iDiretorioMudouNs = -1;
+  std::int64_t m_iListadoEmNs = 0;
 };
