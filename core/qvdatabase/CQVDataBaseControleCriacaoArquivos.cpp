@@ -1,25 +1,16 @@
 #include "core/qvdatabase/CQVDataBaseControleCriacaoArquivos.h"
 
-#include <strings.h>
-
 #include "core/qvdatabase/CQVDataBase.h"
 #include "core/qvdatabase/CQVDataBaseUtil.h"
+#include "core/qvdatabase/QVFileNameFormat.h"
 #include "core/qvdatabase/QVTextFile.h"
 #include "df/qvlibex/QVCodigos.h"
 #include "df/qvlibex/QVLog.h"
 
-namespace {
-
-bool IguaisSemCaixa(const std::string& a, const std::string& b) {
-  return a.size() == b.size() && strncasecmp(a.c_str(), b.c_str(), a.size()) == 0;
-}
-
-}  // namespace
-
 bool CQVDataBaseControleCriacaoArquivos::EhExcluido(const std::string& sNomeArquivo) {
   const std::string sExtensao = CQVDataBaseUtil::Extensao(sNomeArquivo);
-  return IguaisSemCaixa(sExtensao, "tra") || IguaisSemCaixa(sExtensao, "ofl") ||
-         IguaisSemCaixa(sNomeArquivo, QVDATABASE_NOME_ARQUIVO_CONTROLE_CRIACAO_ARQUIVOS);
+  return QVNomesIguais(sExtensao, "tra") || QVNomesIguais(sExtensao, "ofl") ||
+         QVNomesIguais(sNomeArquivo, QVDATABASE_NOME_ARQUIVO_CONTROLE_CRIACAO_ARQUIVOS);
 }
 
 HRESULT CQVDataBaseControleCriacaoArquivos::Inicializa(IQVFileBase* pArquivo) {
@@ -44,7 +35,7 @@ HRESULT CQVDataBaseControleCriacaoArquivos::PossuiControleCriacaoArquivos(bool* 
   *pbPossui = false;
   std::vector<std::string> nomes;
   QV_CHECK(LeLista(&nomes));
-  for (const std::string& n : nomes) *pbPossui = *pbPossui || IguaisSemCaixa(n, m_pArquivo->GetNomeArquivo());
+  for (const std::string& n : nomes) *pbPossui = *pbPossui || QVNomesIguais(n, m_pArquivo->GetNomeArquivo());
   return S_OK;
 }
 
@@ -65,7 +56,7 @@ HRESULT CQVDataBaseControleCriacaoArquivos::RemoveControleCriacaoArquivos(const 
   QV_CHECK(LeLista(&aRegistros));
   std::vector<std::string> aRegistrosNew;
   for (const std::string& n : aRegistros)
-    if (!IguaisSemCaixa(n, sNome)) aRegistrosNew.push_back(n);
+    if (!QVNomesIguais(n, sNome)) aRegistrosNew.push_back(n);
   if (aRegistrosNew.size() == aRegistros.size()) return S_OK;  // not listed: nothing to rewrite
 
   HRESULT hr = EscreveCopia(aRegistrosNew);

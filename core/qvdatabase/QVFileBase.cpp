@@ -1,7 +1,5 @@
 #include "core/qvdatabase/QVFileBase.h"
 
-#include <strings.h>
-
 #include <algorithm>
 #include <atomic>
 #include <cstring>
@@ -10,6 +8,7 @@
 #include "core/qvdatabase/CQVDataBase.h"
 #include "core/qvdatabase/CQVDataBaseUtil.h"
 #include "core/qvdatabase/QVFileCopia.h"
+#include "core/qvdatabase/QVFileNameFormat.h"
 #include "df/qvlibex/QVCodigos.h"
 #include "df/qvlibex/QVCrc64.h"
 #include "df/qvlibex/QVDatas.h"
@@ -30,10 +29,6 @@ std::atomic<int> g_chaveDesabilitaCabecalho{-1};
 // Copies of the old content move in pieces of this size while a header is
 // added in front of it.
 constexpr std::size_t kTamanhoPedacoCopia = 4u << 20;
-
-bool IguaisSemCaixa(const std::string& a, const std::string& b) {
-  return a.size() == b.size() && strncasecmp(a.c_str(), b.c_str(), a.size()) == 0;
-}
 
 // The last n bytes of a text (the header keeps the end of long names).
 std::string Ultimos(const std::string& texto, std::size_t n) {
@@ -194,8 +189,8 @@ bool CQVFileBase::ExisteArquivo() const {
 }
 
 bool CQVFileBase::EhArquivoExcluido() const {
-  return IguaisSemCaixa(CQVDataBaseUtil::Extensao(m_sNomeArquivo), "tra") ||
-         IguaisSemCaixa(m_sNomeArquivo, QVDATABASE_NOME_ARQUIVO_CONTROLE_CRIACAO_ARQUIVOS);
+  return QVNomesIguais(CQVDataBaseUtil::Extensao(m_sNomeArquivo), "tra") ||
+         QVNomesIguais(m_sNomeArquivo, QVDATABASE_NOME_ARQUIVO_CONTROLE_CRIACAO_ARQUIVOS);
 }
 
 bool CQVFileBase::GerenciarCabecalho() const {
@@ -271,7 +266,7 @@ HRESULT CQVFileBase::AbreArquivo(EQVDataBase_ModoAbertura eModoAbertura) {
   if (!bExiste) {
     // A file this open created survives a crash as the control will list
     // it (a temporary copy needs no such care: its rename is synced).
-    if (!IguaisSemCaixa(CQVDataBaseUtil::Extensao(m_sNomeArquivo), "tra"))
+    if (!QVNomesIguais(CQVDataBaseUtil::Extensao(m_sNomeArquivo), "tra"))
       QV_CHECK_ARQ(QVSyncDirectory(sPath.substr(0, sPath.find_last_of('/'))), {"sPathArquivo", sPath});
     // Listed now that it exists.
     QV_CHECK_ARQ(m_ControleCriacaoArquivos.GerenciaControleCriacaoArquivos(eModoAbertura),
@@ -360,7 +355,7 @@ HRESULT CQVFileBase::ValidaCabecalhoV01() {
   if (c.usVersaoSistemaAtualizacao > kQVVersaoSistema)
     QV_RETURN_ARQ(E_QVCR_VERSAO_SISTEMA_INFERIOR_VERSAO_MODIFICACAO_ARQUIVO);
   const std::string sEsperado = Ultimos(QVUtf8ToAnsi(m_sNomeArquivo), kQVMaxTextoCabecalho);
-  if (strncasecmp(c.szNomeArquivo, sEsperado.c_str(), sizeof c.szNomeArquivo) != 0)
+  if (!QVNomesIguais(QVLeCampoTexto(c.szNomeArquivo), sEsperado))
     QV_RETURN_ARQ(E_QVCR_NOME_ARQUIVO_NAO_CONFERE, {"szNomeArquivo", QVAnsiToUtf8(QVLeCampoTexto(c.szNomeArquivo))});
   m_Cabecalho = c;
   return S_OK;
