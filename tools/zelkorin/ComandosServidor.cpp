@@ -241,20 +241,22 @@ void QVRegistraComandosServidor(CLI::App& app, int* pCodigoSaida) {
   serve->add_flag("--allow-remote", opServ->bPermiteRemoto,
                   "Permite que --listen aceite conexões de outras máquinas (não há autenticação: use um firewall)");
   serve->add_option("--max-conexoes", opServ->servidor.ulMaxConexoes,
-                    "Conexões abertas ao mesmo tempo; as demais são fechadas ao chegar (padrão: 256)")
-      ->check(CLI::PositiveNumber);
+                    "Conexões abertas ao mesmo tempo; as demais são fechadas ao chegar")
+      ->check(CLI::PositiveNumber)
+      ->capture_default_str();
   serve->add_option("--memoria-mensagens", opServ->servidor.uiOrcamentoBytes,
                     "Bytes de mensagens recebidas em memória, somando todas as conexões; uma mensagem que não cabe "
-                    "espera (padrão: 536870912)")
-      ->check(CLI::PositiveNumber);
+                    "espera")
+      ->check(CLI::PositiveNumber)
+      ->capture_default_str();
   serve->add_option("--max-pendentes", opServ->servidor.ulMaxPendentes,
-                    "Chamadas por conexão cujas respostas ainda não saíram; no limite a conexão deixa de ser lida "
-                    "(padrão: 16)")
-      ->check(CLI::PositiveNumber);
+                    "Chamadas por conexão cujas respostas ainda não saíram; no limite a conexão deixa de ser lida")
+      ->check(CLI::PositiveNumber)
+      ->capture_default_str();
   serve->add_option("--tempo-ocioso-ms", opServ->servidor.ulTempoOciosoMs,
-                    "Silêncio no meio de uma mensagem (ou espera por memória de mensagens) que derruba a conexão "
-                    "(padrão: 30000)")
-      ->check(CLI::PositiveNumber);
+                    "Silêncio no meio de uma mensagem (ou espera por memória de mensagens) que derruba a conexão")
+      ->check(CLI::PositiveNumber)
+      ->capture_default_str();
   serve->add_option("--max-elementos", opServ->limites.ulMaxElementos, "Limite de elementos por lista recebida")
       ->check(CLI::PositiveNumber);
   serve->add_option("--max-caracteres", opServ->limites.ulMaxCaracteresBstr, "Limite de caracteres por string")
