@@ -3,15 +3,17 @@
 # default data root (~/.local/share/zelkorin unless ZELKORIN_ROOT says
 # otherwise), runs the sample client session against it out of process,
 # asks it for its status, and stops it with SIGTERM. Extra arguments go to
-# the sample session (--empresa, --usuario, --sessao).
+# the sample session (--empresa, --usuario, --sessao). ZELKORIN_PRESET picks
+# another configured preset's program (the test run reuses its debug build).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 source tools/deps.sh
 zelkorin_instala_dependencias
-cmake --preset release >/dev/null
-cmake --build --preset release --target zelkorin
+preset="${ZELKORIN_PRESET:-release}"
+cmake --preset "$preset" >/dev/null
+cmake --build --preset "$preset" --target zelkorin
 
-zelkorin=./build/release/tools/zelkorin/zelkorin
+zelkorin="./build/$preset/tools/zelkorin/zelkorin"
 raiz="${ZELKORIN_ROOT:-${HOME:-/tmp}/.local/share/zelkorin}"
 mkdir -p "$raiz"
 socket="$raiz/zelkorin.sock"
