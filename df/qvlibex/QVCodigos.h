@@ -50,6 +50,19 @@ inline constexpr HRESULT E_QVDF_EMPRESA_SEM_DIRETORIO_DADOS = QVHr(0x80040931u);
 // A company name that cannot name the company's folder or fill the
 // initialisation record's field unchanged (suite/hostlink/QVSessaoSuite.h).
 inline constexpr HRESULT E_QVDF_NOME_EMPRESA_INVALIDO = QVHr(0x80040932u);
+// The suite's own store and sessions (suite/): a company or user it does
+// not know, a record absent from its master data, a store file it cannot
+// use, an import file with a bad row.
+inline constexpr HRESULT E_QVDF_EMPRESA_NAO_CADASTRADA = QVHr(0x80040933u);
+inline constexpr HRESULT E_QVDF_USUARIO_NAO_CADASTRADO = QVHr(0x80040934u);
+inline constexpr HRESULT E_QVDF_USUARIO_SEM_ACESSO_EMPRESA = QVHr(0x80040935u);
+inline constexpr HRESULT E_QVDF_REGISTRO_SUITE_INEXISTENTE = QVHr(0x80040936u);
+inline constexpr HRESULT E_QVDF_BANCO_SUITE_INVALIDO = QVHr(0x80040937u);
+inline constexpr HRESULT E_QVDF_BANCO_SUITE_VERSAO_MAIS_NOVA = QVHr(0x80040938u);
+inline constexpr HRESULT E_QVDF_BANCO_SUITE_OCUPADO = QVHr(0x80040939u);
+inline constexpr HRESULT E_QVDF_BANCO_SUITE_FALHA = QVHr(0x8004093Au);
+inline constexpr HRESULT E_QVDF_IMPORTACAO_LINHA_INVALIDA = QVHr(0x8004093Bu);
+inline constexpr HRESULT E_QVDF_SEM_SESSAO_SUITE = QVHr(0x8004093Cu);
 inline constexpr HRESULT E_QVDF_FALHA_ACESSAR_REGISTRY = QVHr(0x80043F59u);  // message 16217
 inline constexpr HRESULT ER_QVDF_CO_CREATE_INSTANCE_INTERFACE_NULA = QVHr(0x80043F5Au);  // message 16218
 inline constexpr HRESULT E_QVDF_MARCA_ACESSO_NEGADO = QVHr(0x80043ED0u);  // message 16080

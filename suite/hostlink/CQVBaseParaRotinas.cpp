@@ -2,20 +2,47 @@
 
 #include "df/qvlibex/QVLog.h"
 #include "platform/QVCodePage.h"
+#include "suite/hostlink/CQVAcessoSemSessao.h"
 
 std::atomic<CQVBaseParaRotinas*> CQVBaseParaRotinas::s_pAcessoDefault{nullptr};
 
 HRESULT CQVBaseParaRotinas::Inicializa(const _REG_DF_INICIALIZAPS& regps) {
   if (EstaInicializado()) QV_CHECK(Finaliza());
-  QV_CHECK(QVSessaoSuite().Conecta(regps));
+  QV_CHECK(QVSessaoSuite().Conecta(regps, &m_pConexao));
   m_regInicializacao = regps;
   m_bTemRegistro = true;
   const CQVProfilerEmpresa identidade(QVAnsiToUtf8(QVLeCampoTexto(regps.szEmpresa)),
                                       static_cast<std::uint16_t>(regps.ulUsuario), regps.ulNumeroSessao);
   DefineEmpresaErro(identidade.GetEmpresa());
   const HRESULT hr = QV_LOGA(Inicializa(&identidade));
-  if (FAILED(hr)) m_bTemRegistro = false;
+  if (FAILED(hr)) {
+    m_bTemRegistro = false;
+    m_pConexao.reset();
+  }
   return hr;
+}
+
+HRESULT CQVBaseParaRotinas::Inicializa(const CQVBaseParaRotinas* pOutra) {
+  if (pOutra == nullptr) return E_POINTER;
+  if (EstaInicializado()) QV_CHECK(Finaliza());
+  m_pConexao = pOutra->m_pConexao;
+  m_regInicializacao = pOutra->m_regInicializacao;
+  m_bTemRegistro = pOutra->m_bTemRegistro;
+  DefineEmpresaErro(pOutra->GetEmpresa());
+  const HRESULT hr = QV_LOGA(Inicializa(static_cast<const IQVDF_Profiler*>(pOutra)));
+  if (FAILED(hr)) {
+    m_bTemRegistro = false;
+    m_pConexao.reset();
+  }
+  return hr;
+}
+
+IQVAcessoGerenciador* CQVBaseParaRotinas::GetAcessoGerenciador() const {
+  return m_pConexao ? m_pConexao->GetAcessoGerenciador() : QVAcessoGerenciadorSemSessao();
+}
+
+IQVAcessoEmpresarial* CQVBaseParaRotinas::GetAcessoEmpresarial() const {
+  return m_pConexao ? m_pConexao->GetAcessoEmpresarial() : QVAcessoEmpresarialSemSessao();
 }
 
 HRESULT CQVBaseParaRotinas::FuncaoGenerica(std::uint32_t, const _REG_DF_FUNCAO_GENERICAPS&,

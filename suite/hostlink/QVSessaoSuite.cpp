@@ -58,7 +58,9 @@ HRESULT Recusa(std::string* pMotivo, const char* sMotivo) {
 
 }  // namespace
 
-HRESULT CQVSessaoSuitePadrao::Conecta(const _REG_DF_INICIALIZAPS& regps) {
+HRESULT CQVSessaoSuitePadrao::Conecta(const _REG_DF_INICIALIZAPS& regps, std::shared_ptr<IQVConexaoSuite>* ppConexao) {
+  if (ppConexao == nullptr) return E_POINTER;
+  ppConexao->reset();
   // An empty company is no company: the database's facade answers that.
   if (regps.szEmpresa[0] == '\0') return S_OK;
   const std::string sCampo = QVLeCampoTexto(regps.szEmpresa);

@@ -2,11 +2,15 @@
 //
 // The suite's own session library is closed; these interfaces are the
 // operations the server calls on it, and CQVSessaoSuitePadrao is the
-// embedded default that stands in for it: it accepts any user and any
-// company whose name can name a folder (below), and keeps each company's
-// data under one data root.
+// embedded default that stands in for it, over the suite store of the data
+// root (suite/store/CQVBancoSuite.h, "suite.db"): it accepts a session only
+// for a company the store knows, whose name can name a folder (below), and
+// a user the store knows, active and allowed in that company; anything else
+// answers E_QVDF_EMPRESA_NAO_CADASTRADA, E_QVDF_USUARIO_NAO_CADASTRADO or
+// E_QVDF_USUARIO_SEM_ACESSO_EMPRESA with one error line.
 //
-// Default data layout: <raiz>/<empresa>/<pasta do módulo>/, the module
+// Default data layout: <raiz>/<pasta da empresa>/<pasta do módulo>/, the
+// company's folder being its "pasta" in the store, else its name; the module
 // folder being "GE" for the GE module (9) and "M<n>" for any other; the
 // folders are made at the first request for them. The data root is
 // QVDefineRaizDados, else the environment variable ZELKORIN_ROOT, else
@@ -38,47 +42,44 @@
 // Module codes of the suite.
 inline constexpr std::uint32_t QV_GE = 9;
 
-// The suite's shared services for a connected session: follow-up records,
-// calendar events, projects of other modules, the company's master record.
-// Each operation is added here with the data objects it exchanges.
-class IQVAcessoGerenciador {
- public:
-  virtual ~IQVAcessoGerenciador() = default;
-};
+class IQVAcessoGerenciador;
+class IQVAcessoEmpresarial;
 
-// The suite's master data (customers, services, users, branches,
-// municipalities) for a connected session. Each reader is added here with
-// the data objects it returns.
-class IQVAcessoEmpresarial {
+// A session the suite accepted: the company and user it was accepted for,
+// and its two accesses, bound to that company (IQVAcessoGerenciador.h,
+// suite/masterdata/IQVAcessoEmpresarial.h). Shared by the session base and
+// the helper objects it initialises (filters, report jobs).
+class IQVConexaoSuite {
  public:
-  virtual ~IQVAcessoEmpresarial() = default;
+  virtual ~IQVConexaoSuite() = default;
+  virtual std::uint32_t GetPonteiroEmpresa() const = 0;
+  virtual std::uint32_t GetPonteiroUsuario() const = 0;
+  virtual IQVAcessoGerenciador* GetAcessoGerenciador() = 0;
+  virtual IQVAcessoEmpresarial* GetAcessoEmpresarial() = 0;
 };
 
 class IQVSessaoSuite {
  public:
   virtual ~IQVSessaoSuite() = default;
-  // Validates the user and session of an initialisation record and connects
-  // them to the record's company.
-  [[nodiscard]] virtual HRESULT Conecta(const _REG_DF_INICIALIZAPS& regps) = 0;
+  // Validates the company, user and session of an initialisation record
+  // and connects them: *ppConexao is the session's connection. A record
+  // without a company connects to nothing (S_OK, null): the database's
+  // facade answers that case.
+  [[nodiscard]] virtual HRESULT Conecta(const _REG_DF_INICIALIZAPS& regps,
+                                        std::shared_ptr<IQVConexaoSuite>* ppConexao) = 0;
   // The data directory of a module for a company (UTF-8); "" when it has
-  // none.
+  // none (a company the suite does not know).
   [[nodiscard]] virtual HRESULT GetDiretorioDadosModulo(std::uint32_t modulo, const std::string& empresa,
                                                         std::string* pDiretorio) = 0;
-  virtual IQVAcessoGerenciador* GetAcessoGerenciador() = 0;
-  virtual IQVAcessoEmpresarial* GetAcessoEmpresarial() = 0;
 };
 
+// The embedded default over the suite store of the data root
+// (suite/store/CQVBancoSuite.h).
 class CQVSessaoSuitePadrao : public IQVSessaoSuite {
  public:
-  HRESULT Conecta(const _REG_DF_INICIALIZAPS& regps) override;
+  HRESULT Conecta(const _REG_DF_INICIALIZAPS& regps, std::shared_ptr<IQVConexaoSuite>* ppConexao) override;
   HRESULT GetDiretorioDadosModulo(std::uint32_t modulo, const std::string& empresa,
                                   std::string* pDiretorio) override;
-  IQVAcessoGerenciador* GetAcessoGerenciador() override { return &m_Gerenciador; }
-  IQVAcessoEmpresarial* GetAcessoEmpresarial() override { return &m_Empresarial; }
-
- private:
-  IQVAcessoGerenciador m_Gerenciador;
-  IQVAcessoEmpresarial m_Empresarial;
 };
 
 // The session library of the process (the embedded default unless one was

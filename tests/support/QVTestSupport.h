@@ -14,6 +14,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <functional>
+#include <memory>
 #include <new>
 #include <string>
 #include <vector>
@@ -68,5 +69,17 @@ void QVTesteLimpaLog();
 // ---- session layer (QVTesteSessao.cpp) ---------------------------------------
 
 // A valid initialisation record for a company (UTF-8, carried unchanged in
-// the suite's code page).
+// the suite's code page), of user kQVTesteUsuario: the company and the user
+// are registered in the suite store first, as the suite would have them.
+inline constexpr std::uint32_t kQVTesteUsuario = 7;
 _REG_DF_INICIALIZAPS QVTesteInicializaPS(const std::string& empresa = "EMPRESA_TESTE");
+
+// The suite store of the test's data root (suite/store/CQVBancoSuite.h).
+class CQVBancoSuite;
+std::shared_ptr<CQVBancoSuite> QVTesteBancoSuite();
+// Registers a company (when absent) and a user (when absent, login
+// "usuario<N>") allowed in it, in the store of the data root; the company's
+// pointer. Fails the test on any error.
+std::uint32_t QVTesteCadastraEmpresa(const std::string& empresa, std::uint32_t usuario = kQVTesteUsuario);
+// Runs statements on that store (test data), failing the test on an error.
+void QVTesteExecutaSql(const std::string& sql);

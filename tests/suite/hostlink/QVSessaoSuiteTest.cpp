@@ -101,11 +101,12 @@ TEST_F(QVSessaoSuiteTest, ConectaRecusaOCampoDoRegistro) {
       {std::string(48, 'E'), E_QVDF_NOME_EMPRESA_INVALIDO},  // no terminator in the field
       {"..", E_QVDF_NOME_EMPRESA_INVALIDO},
   };
+  std::shared_ptr<IQVConexaoSuite> conexao;
   for (const auto& [campo, hr] : casos) {
     SCOPED_TRACE(campo);
     _REG_DF_INICIALIZAPS reg = QVTesteInicializaPS("");  // the field all zeros
     std::memcpy(reg.szEmpresa, campo.data(), campo.size());
-    EXPECT_EQ(QVSessaoSuite().Conecta(reg), hr);
+    EXPECT_EQ(QVSessaoSuite().Conecta(reg, &conexao), hr);
   }
   const auto linhas = QVTesteLinhasErro();
   ASSERT_EQ(linhas.size(), 3u);
