@@ -41,6 +41,9 @@ const Par kPares[] = {
     {"BM_Atendimento816Rpc", "BM_Atendimento816EmProcesso", "write + read of 816 bytes over the socket / in process"},
     {"BM_RpcClientesSimultaneos/threads:4", "BM_RpcClientesSimultaneos/threads:1",
      "a call with 4 clients at once / with 1 (below 1: more calls per second)"},
+    {"BM_LeClienteSuite", "BM_LeClienteSqlite", "a client read by its pointer / a bare SQLite read by rowid"},
+    {"BM_GravaAcompanhamentoSuite", "BM_InsertSqliteTransacao",
+     "a follow-up write with its services / a bare SQLite INSERT + COMMIT"},
 };
 
 // The console report, keeping each benchmark's time per iteration (per item
