@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
-# The main job: builds the server in release, starts it on the embedded
-# default data root (~/.local/share/zelkorin unless ZELKORIN_ROOT says
-# otherwise), runs the sample client session against it out of process,
-# asks it for its status, and stops it with SIGTERM. Extra arguments go to
-# the sample session (--empresa, --usuario, --sessao). ZELKORIN_PRESET picks
+# The main job: builds the server in release, gives the embedded default
+# data root (~/.local/share/zelkorin unless ZELKORIN_ROOT says otherwise)
+# its suite store with the sample company EMPRESA_EXEMPLO, starts the server
+# on it, runs the sample client session against it out of process, asks it
+# for its status, and stops it with SIGTERM. Extra arguments go to the
+# sample session (--empresa, --usuario, --sessao). ZELKORIN_PRESET picks
 # another configured preset's program (the test run reuses its debug build).
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -17,6 +18,10 @@ zelkorin="./build/$preset/tools/zelkorin/zelkorin"
 raiz="${ZELKORIN_ROOT:-${HOME:-/tmp}/.local/share/zelkorin}"
 mkdir -p "$raiz"
 socket="$raiz/zelkorin.sock"
+
+# The suite store and the sample company the sample session works in;
+# nothing changes when they are there already.
+"$zelkorin" suite init --sample --root "$raiz"
 
 "$zelkorin" serve --root "$raiz" --socket "$socket" &
 servidor=$!

@@ -9,6 +9,9 @@
 //   zelkorin db header|verify|dump|control ...
 //       inspects data files; control --forget mends the file-creation
 //       control (ComandosDb.h).
+//   zelkorin suite init|import|export|list|show|tables ...
+//       the suite store: the sample company, tables in and out as CSV or
+//       JSON, what the server wrote (ComandosSuite.h).
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <filesystem>
@@ -19,6 +22,7 @@
 #include "suite/hostlink/QVSessaoSuite.h"
 #include "tools/zelkorin/ComandosDb.h"
 #include "tools/zelkorin/ComandosServidor.h"
+#include "tools/zelkorin/ComandosSuite.h"
 #include "tools/zelkorin/SessaoExemplo.h"
 
 namespace {
@@ -54,6 +58,7 @@ int main(int argc, char** argv) {
   int codigoSaida = 0;
   QVRegistraComandosDb(app, &codigoSaida);
   QVRegistraComandosServidor(app, &codigoSaida);
+  QVRegistraComandosSuite(app, &codigoSaida);
 
   CLI11_PARSE(app, argc, argv);
 
