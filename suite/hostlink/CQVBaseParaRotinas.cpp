@@ -8,6 +8,8 @@ std::atomic<CQVBaseParaRotinas*> CQVBaseParaRotinas::s_pAcessoDefault{nullptr};
 
 HRESULT CQVBaseParaRotinas::Inicializa(const _REG_DF_INICIALIZAPS& regps) {
   if (EstaInicializado()) QV_CHECK(Finaliza());
+  // Nothing of a previous session outlives a refused one.
+  m_bTemRegistro = false;
   QV_CHECK(QVSessaoSuite().Conecta(regps, &m_pConexao));
   m_regInicializacao = regps;
   m_bTemRegistro = true;

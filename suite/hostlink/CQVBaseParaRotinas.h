@@ -5,6 +5,8 @@
 // Inicializa(regps) asks the suite's session library to validate and connect
 // the record's user and session, takes the identity from the record and
 // ends in the derived class's OnInicializa (which opens the company's data).
+// A refused initialisation leaves the object with no session at all: no
+// connection, no record, the stand-in accesses below.
 // Inicializa(outra) gives a helper object (a filter, a report job, a log
 // helper) the session of another, initialised one: same identity, same
 // connection, and runs its own OnInicializa.

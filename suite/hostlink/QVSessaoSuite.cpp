@@ -10,6 +10,8 @@
 #include "platform/QVCodePage.h"
 #include "platform/QVFolders.h"
 #include "platform/QVOsFile.h"
+#include "suite/hostlink/CQVConexaoSuitePadrao.h"
+#include "suite/store/CQVBancoSuite.h"
 
 namespace {
 
@@ -56,6 +58,51 @@ HRESULT Recusa(std::string* pMotivo, const char* sMotivo) {
   return E_QVDF_NOME_EMPRESA_INVALIDO;
 }
 
+bool SoAscii(const std::string& s) {
+  for (unsigned char c : s)
+    if (c >= 0x80) return false;
+  return true;
+}
+
+struct EmpresaSuite {
+  std::uint32_t lPonteiro = 0;
+  std::string sNome;   // as stored
+  std::string sPasta;  // its folder under the data root
+};
+
+// The company of a name (UTF-8) as the suite compares names: S_OK, or
+// S_FALSE when the store has none. Call with the store's lock held.
+HRESULT ProcuraEmpresa(CQVBancoSuite& banco, const std::string& sEmpresa, EmpresaSuite* pEmpresa) {
+  const auto le = [&](const CQVComandoSuite& cmd) {
+    pEmpresa->lPonteiro = static_cast<std::uint32_t>(cmd.Inteiro(0));
+    pEmpresa->sNome = cmd.Texto(1);
+    pEmpresa->sPasta = cmd.Texto(2);
+    if (pEmpresa->sPasta.empty()) pEmpresa->sPasta = pEmpresa->sNome;
+  };
+  // The column's NOCASE folds ASCII letters only: the index finds the name
+  // as asked or differing in those. The names (unique under NOCASE) can
+  // differ otherwise only in other letters, compared one by one.
+  CQVComandoSuite cmd;
+  QV_CHECK(banco.Prepara("SELECT ponteiro, nome, pasta FROM empresas WHERE nome = ?1", &cmd));
+  bool bLinha = false;
+  QV_CHECK(cmd.Liga(1, sEmpresa).Passo(&bLinha));
+  if (bLinha) {
+    le(cmd);
+    return S_OK;
+  }
+  if (SoAscii(sEmpresa)) return S_FALSE;
+  CQVComandoSuite todas;
+  QV_CHECK(banco.Prepara("SELECT ponteiro, nome, pasta FROM empresas ORDER BY ponteiro", &todas));
+  for (;;) {
+    QV_CHECK(todas.Passo(&bLinha));
+    if (!bLinha) return S_FALSE;
+    if (QVIguaisSemCaixa(todas.Texto(1), sEmpresa)) {
+      le(todas);
+      return S_OK;
+    }
+  }
+}
+
 }  // namespace
 
 HRESULT CQVSessaoSuitePadrao::Conecta(const _REG_DF_INICIALIZAPS& regps, std::shared_ptr<IQVConexaoSuite>* ppConexao) {
@@ -72,10 +119,41 @@ HRESULT CQVSessaoSuitePadrao::Conecta(const _REG_DF_INICIALIZAPS& regps, std::sh
     hr = Recusa(&sMotivo, "byte que não é caractere da página de código");
   else
     hr = QVValidaNomeEmpresa(QVAnsiToUtf8(sCampo), &sMotivo);
-  if (FAILED(hr))
+  if (FAILED(hr)) {
     QVLogaFalhaHr(QV_LOCAL, "E_QVDF_NOME_EMPRESA_INVALIDO", hr,
                   {{"szEmpresa", QVAnsiToUtf8(sCampo)}, {"sMotivo", sMotivo}});
-  return hr;
+    return hr;
+  }
+
+  const std::string sEmpresa = QVAnsiToUtf8(sCampo);
+  const std::uint32_t lUsuario = regps.ulUsuario;
+  std::shared_ptr<CQVBancoSuite> pBanco;
+  QV_CHECK(QVBancoSuite(&pBanco));
+  EmpresaSuite empresa;
+  bool bAtivo = false, bPermitido = false;
+  {
+    auto trava = pBanco->Trava();
+    QV_CHECK_HR(hr, ProcuraEmpresa(*pBanco, sEmpresa, &empresa));
+    if (hr == S_OK) {
+      CQVComandoSuite cmd;
+      QV_CHECK(pBanco->Prepara("SELECT ativo, EXISTS (SELECT 1 FROM usuarios_empresas WHERE ponteiro_usuario = ?1 "
+                               "AND ponteiro_empresa = ?2) FROM usuarios WHERE ponteiro = ?1",
+                               &cmd));
+      bool bLinha = false;
+      QV_CHECK(cmd.Liga(1, std::int64_t{lUsuario}).Liga(2, std::int64_t{empresa.lPonteiro}).Passo(&bLinha));
+      bAtivo = bLinha && cmd.Inteiro(0) != 0;
+      bPermitido = bLinha && cmd.Inteiro(1) != 0;
+    }
+  }
+  const auto recusa = [&](HRESULT hrRecusa, const char* sCodigo) {
+    QVLogaFalhaHr(QV_LOCAL, sCodigo, hrRecusa, {{"szEmpresa", sEmpresa}, {"ulUsuario", std::to_string(lUsuario)}});
+    return hrRecusa;
+  };
+  if (hr == S_FALSE) return recusa(E_QVDF_EMPRESA_NAO_CADASTRADA, "E_QVDF_EMPRESA_NAO_CADASTRADA");
+  if (!bAtivo) return recusa(E_QVDF_USUARIO_NAO_CADASTRADO, "E_QVDF_USUARIO_NAO_CADASTRADO");
+  if (!bPermitido) return recusa(E_QVDF_USUARIO_SEM_ACESSO_EMPRESA, "E_QVDF_USUARIO_SEM_ACESSO_EMPRESA");
+  *ppConexao = std::make_shared<CQVConexaoSuitePadrao>(std::move(pBanco), empresa.lPonteiro, lUsuario);
+  return S_OK;
 }
 
 HRESULT CQVSessaoSuitePadrao::GetDiretorioDadosModulo(std::uint32_t modulo, const std::string& empresa,
@@ -88,14 +166,30 @@ HRESULT CQVSessaoSuitePadrao::GetDiretorioDadosModulo(std::uint32_t modulo, cons
     QVLogaFalhaHr(QV_LOCAL, "E_QVDF_NOME_EMPRESA_INVALIDO", hr, {{"empresa", empresa}, {"sMotivo", sMotivo}});
     return hr;
   }
+  std::shared_ptr<CQVBancoSuite> pBanco;
+  QV_CHECK(QVBancoSuite(&pBanco));
+  EmpresaSuite dados;
+  {
+    auto trava = pBanco->Trava();
+    HRESULT hr = S_OK;
+    QV_CHECK_HR(hr, ProcuraEmpresa(*pBanco, empresa, &dados));
+    // A company the suite does not know has no directory: the caller says so.
+    if (hr == S_FALSE) return S_OK;
+  }
+  // The store's folder is the suite's data, held to the rules of a name.
+  if (dados.sPasta.empty() || !PodeSerPasta(dados.sPasta) || EhPastaDoLog(dados.sPasta)) {
+    QVLogaFalhaHr(QV_LOCAL, "PodeSerPasta(dados.sPasta)", E_QVDF_NOME_EMPRESA_INVALIDO,
+                  {{"empresa", empresa}, {"pasta", dados.sPasta}});
+    return E_QVDF_NOME_EMPRESA_INVALIDO;
+  }
   // One company, one folder: the one on disk under any case, else a new one
-  // spelt as asked. The suite sets a company's folders up before anyone
-  // asks for them; the embedded default makes them at the first request.
+  // spelt as the store has it. The suite sets a company's folders up before
+  // anyone asks for them; the embedded default makes them at the first
+  // request.
   const std::string sRaiz = QVRaizDados();
-  const std::string sEmpresa = sRaiz + "/" + QVResolveFolderCase(sRaiz, empresa);
+  const std::string sEmpresa = sRaiz + "/" + QVResolveFolderCase(sRaiz, dados.sPasta);
   const std::string sDiretorio = sEmpresa + "/" + QVResolveFolderCase(sEmpresa, QVPastaModulo(modulo));
-  const HRESULT hr = QVCreateDirectories(sDiretorio);
-  if (FAILED(hr)) return hr;
+  QV_CHECK(QVCreateDirectories(sDiretorio));
   *pDiretorio = sDiretorio;
   return S_OK;
 }

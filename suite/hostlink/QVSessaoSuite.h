@@ -3,22 +3,32 @@
 // The suite's own session library is closed; these interfaces are the
 // operations the server calls on it, and CQVSessaoSuitePadrao is the
 // embedded default that stands in for it, over the suite store of the data
-// root (suite/store/CQVBancoSuite.h, "suite.db"): it accepts a session only
-// for a company the store knows, whose name can name a folder (below), and
-// a user the store knows, active and allowed in that company; anything else
-// answers E_QVDF_EMPRESA_NAO_CADASTRADA, E_QVDF_USUARIO_NAO_CADASTRADO or
-// E_QVDF_USUARIO_SEM_ACESSO_EMPRESA with one error line.
+// root (suite/store/CQVBancoSuite.h, "suite.db"). It accepts a session, in
+// this order of checks, only for
+//  - a company name that can name a folder (below), else
+//    E_QVDF_NOME_EMPRESA_INVALIDO;
+//  - a company the store knows (empresas.nome, letter case not counting,
+//    as below), else E_QVDF_EMPRESA_NAO_CADASTRADA;
+//  - the record's user (ulUsuario, a row id of usuarios) when it exists
+//    and is active, else E_QVDF_USUARIO_NAO_CADASTRADO;
+//  - and is allowed in that company (usuarios_empresas), else
+//    E_QVDF_USUARIO_SEM_ACESSO_EMPRESA.
+// Each refusal writes one error line naming the company and the user; a
+// failure of the store answers the store's status.
 //
 // Default data layout: <raiz>/<pasta da empresa>/<pasta do módulo>/, the
-// company's folder being its "pasta" in the store, else its name; the module
-// folder being "GE" for the GE module (9) and "M<n>" for any other; the
-// folders are made at the first request for them. The data root is
+// company's folder being its "pasta" in the store, else its name as the
+// store has it (held to the folder rules below); the module folder
+// being "GE" for the GE module (9) and "M<n>" for any other; each found on
+// disk under any case, and made at the first request for it. A company the
+// store does not know has no data directory. The data root is
 // QVDefineRaizDados, else the environment variable ZELKORIN_ROOT, else
 // $HOME/.local/share/zelkorin.
 //
 // Company names, as the suite's file system sees them: letter case does not
-// count, so "Empresa" and "EMPRESA" are one company whose folder is the one
-// already on disk under any case. The embedded default refuses, with
+// count (the code page's letters, QVIguaisSemCaixa), so "Empresa" and
+// "EMPRESA" are one company whose folder is the one already on disk under
+// any case. The embedded default refuses, with
 // E_QVDF_NOME_EMPRESA_INVALIDO and the reason in the error log, a name that
 // (QVValidaNomeEmpresa):
 //  - has a character outside the suite's code page, or more than 47 bytes
@@ -62,13 +72,14 @@ class IQVSessaoSuite {
  public:
   virtual ~IQVSessaoSuite() = default;
   // Validates the company, user and session of an initialisation record
-  // and connects them: *ppConexao is the session's connection. A record
-  // without a company connects to nothing (S_OK, null): the database's
-  // facade answers that case.
+  // and connects them: *ppConexao is the session's connection (null after
+  // a refusal). A record without a company connects to nothing (S_OK,
+  // null): the database's facade answers that case.
   [[nodiscard]] virtual HRESULT Conecta(const _REG_DF_INICIALIZAPS& regps,
                                         std::shared_ptr<IQVConexaoSuite>* ppConexao) = 0;
-  // The data directory of a module for a company (UTF-8); "" when it has
-  // none (a company the suite does not know).
+  // The data directory of a module for a company (UTF-8); S_OK with ""
+  // when it has none (no company, or one the suite does not know): the
+  // caller answers E_QVDF_EMPRESA_SEM_DIRETORIO_DADOS.
   [[nodiscard]] virtual HRESULT GetDiretorioDadosModulo(std::uint32_t modulo, const std::string& empresa,
                                                         std::string* pDiretorio) = 0;
 };

@@ -3,6 +3,7 @@
 #include <sqlite3.h>
 
 #include <atomic>
+#include <filesystem>
 
 #include "df/qvlibex/QVCodigos.h"
 #include "platform/QVOsFile.h"
@@ -71,7 +72,7 @@ HRESULT CQVComandoSuite::Passo(bool* pbLinha) {
       continue;  // a write's rows (RETURNING) are not wanted
     }
     if (rc == SQLITE_DONE) return S_OK;
-    const HRESULT hr = m_pBanco->Status(rc, QV_LOCAL, "sqlite3_step(m_pStmt)", m_sSql);
+    const HRESULT hr = m_pBanco->Status(rc, QV_LOCAL, "sqlite3_step(m_pStmt)", Sql());
     sqlite3_reset(m_pStmt);
     return hr;
   }
@@ -83,6 +84,20 @@ std::string CQVComandoSuite::Texto(int col) const {
   const auto* p = sqlite3_column_text(m_pStmt, col);
   if (p == nullptr) return {};
   return std::string(reinterpret_cast<const char*>(p), static_cast<std::size_t>(sqlite3_column_bytes(m_pStmt, col)));
+}
+
+void CQVComandoSuite::Texto(int col, std::string* psTexto) const {
+  const auto* p = reinterpret_cast<const char*>(sqlite3_column_text(m_pStmt, col));
+  if (p == nullptr) {
+    psTexto->clear();
+    return;
+  }
+  psTexto->assign(p, static_cast<std::size_t>(sqlite3_column_bytes(m_pStmt, col)));
+}
+
+const std::string& CQVComandoSuite::Sql() const {
+  static const std::string kVazio;
+  return m_pSql != nullptr ? *m_pSql : kVazio;
 }
 
 bool CQVComandoSuite::Nulo(int col) const { return sqlite3_column_type(m_pStmt, col) == SQLITE_NULL; }
@@ -115,40 +130,77 @@ HRESULT CQVBancoSuite::Status(int rc, const QVLocalFonte& local, std::string_vie
 
 HRESULT CQVBancoSuite::AbreArquivo(const std::string& sCaminho, bool bCriar) {
   m_sCaminho = sCaminho;
-  if (!bCriar && !QVFileExists(sCaminho)) {
-    QVLogaFalhaHr(QV_LOCAL, "QVFileExists(sCaminho)", E_QVDF_BANCO_SUITE_INVALIDO, {{"sCaminho", sCaminho}});
-    return E_QVDF_BANCO_SUITE_INVALIDO;
+  if (!QVFileExists(sCaminho)) {
+    if (!bCriar) {
+      QVLogaFalhaHr(QV_LOCAL, "QVFileExists(sCaminho)", E_QVDF_BANCO_SUITE_INVALIDO, {{"sCaminho", sCaminho}});
+      return E_QVDF_BANCO_SUITE_INVALIDO;
+    }
+    // Made empty by the platform (an empty file is an empty database), so
+    // that it gets the mode of the company's data files; SQLite gives its
+    // -wal and -shm files the mode of the database.
+    const std::unique_ptr<IQVOsFile> pArquivo = QVCreateOsFile();
+    if (!pArquivo->Open(sCaminho, QVFILE_MODE_READWRITE | QVFILE_SHARE_DENY_NONE | QVFILE_MODE_CREATE |
+                                      QVFILE_MODE_NO_TRUNCATE)) {
+      const HRESULT hr = HRESULT_FROM_WIN32(pArquivo->LastError());
+      QVLogaFalhaHr(QV_LOCAL, "pArquivo->Open(sCaminho, ...)", hr, {{"sCaminho", sCaminho}});
+      return hr;
+    }
+    pArquivo->Close();
+    QV_CHECK(QVSyncDirectory(std::filesystem::path(sCaminho).parent_path().string()));
   }
+  // CREATE still: a name that differs from the one on disk only in case
+  // is another file to SQLite.
   const int flags = SQLITE_OPEN_READWRITE | (bCriar ? SQLITE_OPEN_CREATE : 0) | SQLITE_OPEN_FULLMUTEX;
   int rc = sqlite3_open_v2(sCaminho.c_str(), &m_pDb, flags, nullptr);
   if (rc != SQLITE_OK) return Status(rc, QV_LOCAL, "sqlite3_open_v2(sCaminho.c_str(), &m_pDb, flags, nullptr)");
   sqlite3_extended_result_codes(m_pDb, 1);
   sqlite3_busy_timeout(m_pDb, g_iEsperaMs.load());
-  // The first read of the file: a file that is no database fails here.
+  // The version first, before any write (the journal mode is one): a file
+  // that is no database fails here, a newer store is refused here, and
+  // both stay as they were.
+  QV_CHECK(LeVersao(&m_iVersao));
+  if (m_iVersao > kQVVersaoEsquemaSuite) return RecusaVersaoMaisNova();
   QV_CHECK(ExecutaSql("PRAGMA foreign_keys = ON"));
   CQVComandoSuite cmd;
   QV_CHECK(Prepara("PRAGMA journal_mode = WAL", &cmd));
-  QV_CHECK(cmd.Executa());
+  bool bLinha = false;
+  QV_CHECK(cmd.Passo(&bLinha));
+  // The pragma answers the mode in force: another one means it could not
+  // be changed.
+  const std::string sModo = bLinha ? cmd.Texto(0) : std::string();
+  if (sModo != "wal") {
+    QVLogaFalhaHr(QV_LOCAL, "PRAGMA journal_mode = WAL", E_QVDF_BANCO_SUITE_FALHA,
+                  {{"journal_mode", sModo}, {"m_sCaminho", m_sCaminho}});
+    return E_QVDF_BANCO_SUITE_FALHA;
+  }
   QV_CHECK(ExecutaSql("PRAGMA synchronous = FULL"));
   return S_OK;
 }
 
+HRESULT CQVBancoSuite::LeVersao(int* piVersao) {
+  CQVComandoSuite cmd;
+  QV_CHECK(Prepara("PRAGMA user_version", &cmd));
+  bool bLinha = false;
+  QV_CHECK(cmd.Passo(&bLinha));
+  *piVersao = bLinha ? static_cast<int>(cmd.Inteiro(0)) : 0;
+  return S_OK;
+}
+
+HRESULT CQVBancoSuite::RecusaVersaoMaisNova() const {
+  QVLogaFalhaHr(QV_LOCAL, "m_iVersao > kQVVersaoEsquemaSuite", E_QVDF_BANCO_SUITE_VERSAO_MAIS_NOVA,
+                {{"m_iVersao", std::to_string(m_iVersao)}, {"m_sCaminho", m_sCaminho}});
+  return E_QVDF_BANCO_SUITE_VERSAO_MAIS_NOVA;
+}
+
 HRESULT CQVBancoSuite::Migra(int iAte) {
+  if (m_iVersao >= iAte) return S_OK;
   int n = 0;
   const QVMigracaoSuite* pMigracoes = QVMigracoesSuite(&n);
-  // Read and applied under one write lock, so that two processes opening a
-  // new store do not both create it.
+  // Read again and applied under one write lock, so that two processes
+  // opening an old store do not both upgrade it.
   return Transacao([&]() -> HRESULT {
-    CQVComandoSuite cmd;
-    QV_CHECK(Prepara("PRAGMA user_version", &cmd));
-    bool bLinha = false;
-    QV_CHECK(cmd.Passo(&bLinha));
-    m_iVersao = bLinha ? static_cast<int>(cmd.Inteiro(0)) : 0;
-    if (m_iVersao > kQVVersaoEsquemaSuite) {
-      QVLogaFalhaHr(QV_LOCAL, "m_iVersao > kQVVersaoEsquemaSuite", E_QVDF_BANCO_SUITE_VERSAO_MAIS_NOVA,
-                    {{"m_iVersao", std::to_string(m_iVersao)}, {"m_sCaminho", m_sCaminho}});
-      return E_QVDF_BANCO_SUITE_VERSAO_MAIS_NOVA;
-    }
+    QV_CHECK(LeVersao(&m_iVersao));
+    if (m_iVersao > kQVVersaoEsquemaSuite) return RecusaVersaoMaisNova();
     for (int i = 0; i < n; ++i) {
       const QVMigracaoSuite& m = pMigracoes[i];
       if (m.iVersao <= m_iVersao || m.iVersao > iAte) continue;
@@ -230,7 +282,7 @@ HRESULT CQVBancoSuite::Prepara(const char* sSql, CQVComandoSuite* pComando) {
   }
   pComando->m_pBanco = this;
   pComando->m_pStmt = it->second;
-  pComando->m_sSql = it->first;
+  pComando->m_pSql = &it->first;
   return S_OK;
 }
 

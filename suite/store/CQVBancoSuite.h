@@ -70,16 +70,19 @@ class CQVComandoSuite {
 
   std::int64_t Inteiro(int col) const;
   std::string Texto(int col) const;
+  // The same into an existing string: its storage is reused, so a reader
+  // called per record allocates nothing once its strings have grown.
+  void Texto(int col, std::string* psTexto) const;
   bool Nulo(int col) const;
   int Colunas() const;
   std::string NomeColuna(int col) const;
-  const std::string& Sql() const { return m_sSql; }
+  const std::string& Sql() const;
 
  private:
   friend class CQVBancoSuite;
   CQVBancoSuite* m_pBanco = nullptr;
   sqlite3_stmt* m_pStmt = nullptr;
-  std::string m_sSql;
+  const std::string* m_pSql = nullptr;  // the cache's key: borrowing copies nothing
 };
 
 class CQVBancoSuite {
@@ -91,6 +94,9 @@ class CQVBancoSuite {
   // Opens the store of a data root, creating the file when absent, and
   // brings its schema to kQVVersaoEsquemaSuite. bCriar false: a missing
   // file answers E_QVDF_BANCO_SUITE_INVALIDO instead of being created.
+  // Nothing is written before the schema version was read: a file that is
+  // no database, or of a newer version, is left as it was. A store already
+  // at the version takes no write lock to open.
   [[nodiscard]] static HRESULT Abre(const std::string& sRaiz, std::shared_ptr<CQVBancoSuite>* ppBanco,
                                     bool bCriar = true);
   // Only as far as schema version iAte (for tests of the migrations).
@@ -123,6 +129,8 @@ class CQVBancoSuite {
  private:
   CQVBancoSuite() = default;
   [[nodiscard]] HRESULT AbreArquivo(const std::string& sCaminho, bool bCriar);
+  [[nodiscard]] HRESULT LeVersao(int* piVersao);
+  [[nodiscard]] HRESULT RecusaVersaoMaisNova() const;
   [[nodiscard]] HRESULT Migra(int iAte);
 
   sqlite3* m_pDb = nullptr;
@@ -138,6 +146,7 @@ class CQVBancoSuite {
 // use and opened again when the data root changes or the process is a fork
 // of the one that opened it.
 [[nodiscard]] HRESULT QVBancoSuite(std::shared_ptr<CQVBancoSuite>* ppBanco);
+// The busy time-out of the stores opened from then on.
 void QVDefineEsperaBancoSuite(int ms);
 int QVEsperaBancoSuite();
 

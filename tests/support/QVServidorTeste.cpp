@@ -45,6 +45,9 @@ void RaizDoPapel() { QVDefineRaizDados(QVTesteDiretorio() + "/dados-servidor"); 
 
 int Servidor(int argc, char** argv) {
   RaizDoPapel();
+  // Its suite knows the company and user of the tests' records
+  // (QVTesteInicializaPS), as the tests' own does.
+  if (QVTesteCadastraEmpresa(kQVTesteEmpresa) == 0) return 4;
   const auto it = Personalidades().find(Argumento(argc, argv, "--servidor-teste"));
   if (it == Personalidades().end()) return 3;
   it->second();

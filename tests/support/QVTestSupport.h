@@ -72,7 +72,8 @@ void QVTesteLimpaLog();
 // the suite's code page), of user kQVTesteUsuario: the company and the user
 // are registered in the suite store first, as the suite would have them.
 inline constexpr std::uint32_t kQVTesteUsuario = 7;
-_REG_DF_INICIALIZAPS QVTesteInicializaPS(const std::string& empresa = "EMPRESA_TESTE");
+inline constexpr const char* kQVTesteEmpresa = "EMPRESA_TESTE";
+_REG_DF_INICIALIZAPS QVTesteInicializaPS(const std::string& empresa = kQVTesteEmpresa);
 
 // The suite store of the test's data root (suite/store/CQVBancoSuite.h).
 class CQVBancoSuite;

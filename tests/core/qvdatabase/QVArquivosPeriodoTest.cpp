@@ -61,6 +61,7 @@ TEST_F(QVArquivosPeriodoTest, RegistroUnico) {
 TEST_F(QVArquivosPeriodoTest, RegistroUnicoDaEmpresaPeloUtilitario) {
   // Without a directory of its own the file lives in the company's data directory.
   const CQVProfilerEmpresa empresa("EMPRESA_UNICO", 3, 30);
+  QVTesteCadastraEmpresa("EMPRESA_UNICO", 3);
   const std::string nome = "GEATENDIMENTOTECNICOVS.dat";
   REG_VERSAO r{};
   ASSERT_EQ(CQVDataBaseUtil::LeSingleReg(&empresa, QV_GE, &r, nome), S_OK);

@@ -13,6 +13,7 @@
 #include <sstream>
 
 #include "df/qvlibex/QVProfilerLog.h"
+#include "suite/hostlink/QVSessaoSuite.h"
 #include "tests/support/QVServidorTeste.h"
 #include "tests/support/QVTestSupport.h"
 
@@ -27,6 +28,10 @@ TEST(ComandosServidor, ServeSampleStatusESigterm) {
   // the first start, with the socket inside it. TCP on every interface is
   // allowed, with a warning.
   const std::string raiz = QVTesteDiretorio() + "/raiz-padrao";
+  // The sample's and the status's company and user (1), known to the suite there.
+  QVDefineRaizDados(raiz);
+  QVTesteCadastraEmpresa("ACME", 1);
+  QVDefineRaizDados(QVTesteDiretorio() + "/dados");
   ::setenv("ZELKORIN_ROOT", raiz.c_str(), 1);
   CQVProcessoTeste servidor({"serve", "--listen", "*:0", "--allow-remote"}, ZELKORIN_PROGRAMA);
   ::unsetenv("ZELKORIN_ROOT");
