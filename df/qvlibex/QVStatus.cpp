@@ -127,6 +127,8 @@ constexpr QVCodigoSistema kCodigos[] = {
      "Para listar as notas fiscais informe a data de faturamento inicial e a final"},
     {QVHr(0x810809C7u), "E_QVCR_VERSAO_DADOS_SUPERIOR_VERSAO_SISTEMA",
      "Os arquivos de dados são de uma versão mais nova que a deste servidor"},
+    {QVHr(0x810809C8u), "E_QVCR_VERSAO_DADOS_INFERIOR_SEM_CONVERSAO",
+     "Os arquivos de dados são de uma versão anterior e precisam ser convertidos; a conversão não está disponível"},
     {QVHr(0x810809CBu), "E_QVCR_ARQUIVO_TRA_ENCONTRADO",
      "Foi encontrado um arquivo temporário (.tra) de uma operação interrompida"},
     {QVHr(0x810809CFu), "E_QVCR_INICIALIZACAO_QVDATABASE_SEM_EMPRESA",

@@ -1,17 +1,33 @@
 // The technical-service server: one per client object of QVGE_Atendimento.
-// It connects the client's session to the company's data and answers the
-// business methods of the interface (the frame in CQVGE_Atendimento calls
-// the method of the same name). Business methods are virtual so that a
-// server can be stood in for in tests of the frame.
+// It connects the client's session to the company's service-call database
+// (CGeServidorAtendimentoDatabase, shared by every object of the company in
+// the process) and answers the business methods of the interface (the frame
+// in CQVGE_Atendimento calls the method of the same name). Business methods
+// are virtual so that a server can be stood in for in tests of the frame.
+//
+// A stored call is a tree: the call record of its month's call file, and
+// below it services (with sessions, withholdings and their deductions,
+// EFD-REINF data and its judicial processes, classifications and their
+// management shares), expenses (with PIS/COFINS data and classifications),
+// representatives, classifications, texts, tax records for the sum of the
+// invoice items, calendar events (kept by the suite) and follow-up
+// references (the month's group member). Reading assembles the tree into
+// _REG_ATENDIMENTO_PS; writing stores it, children before parents, the call
+// record last. How wire records map to stored ones: docs/stored-layouts.md;
+// the rules of positions and lists: docs/atendimento.md.
 #pragma once
 
 #include <cstdint>
+#include <set>
 #include <string>
 
+#include "core/qvdatabase/QVDataBaseFacade.h"
 #include "ge/zelkorin/ZelkorinInterfaces.h"
+#include "ge/zelkorin/atendimento/CGeServidorAtendimentoDatabase.h"
 #include "suite/hostlink/CQVBaseParaRotinas.h"
 
-class CGeServidorAtendimento : public CQVBaseParaRotinas {
+class CGeServidorAtendimento
+    : public CQVDataBaseFacade<CQVDataBase_GE_AtendimentoTecnico, CQVBaseParaRotinas> {
  public:
   CGeServidorAtendimento() = default;
   ~CGeServidorAtendimento() override;
@@ -21,12 +37,167 @@ class CGeServidorAtendimento : public CQVBaseParaRotinas {
   const std::string& GetDiretorioDados() const { return m_sDiretorioDados; }
 
   // The business methods, one per line of the interface's table
-  // (ZelkorinInterfaces.h); each answers E_NOTIMPL until it is built.
+  // (ZelkorinInterfaces.h).
   QV_METODOS_IQVGE_ATENDIMENTO(QV_DECLARA_METODO_SERVIDOR, CGeServidorAtendimento)
 
  protected:
   HRESULT OnInicializa() override;
+  // Brings the company's files to the current layouts before the database
+  // opens (once per company and process, under the facade's lock).
+  HRESULT ExecutaConversao() override;
+  // The migration of a company whose files are of an older version
+  // (usVersao < 2). Not available in this server: it answers
+  // E_QVCR_VERSAO_DADOS_INFERIOR_SEM_CONVERSAO with one error line and
+  // leaves every file as it is.
+  [[nodiscard]] virtual HRESULT ConverteVersaoAnterior(std::uint16_t usVersao);
+
+  // ---- reading (each reads its own record first, then its children) ----
+  // The call at a position of the current month's call file, converted;
+  // with bCompleto its whole tree (LeAtendimento below), else the record only.
+  [[nodiscard]] HRESULT LeAtendimentoArquivo(std::uint32_t lPosicao, _REG_ATENDIMENTO_PS& atendimento,
+                                             bool bCompleto, CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
+  // Fills the sub-records of a call whose record was converted into
+  // atendimento (counts and first positions set). bEventos: also the
+  // calendar events of the suite.
+  [[nodiscard]] HRESULT LeAtendimento(_REG_ATENDIMENTO_PS& atendimento,
+                                      CGeServidorAtendimentoDatabase* pGEAtendimentoDB, bool bEventos = true);
+  [[nodiscard]] HRESULT LeServicosAtendimento(_REG_ATENDIMENTO_PS& atendimento,
+                                              CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
+  [[nodiscard]] HRESULT LeSessoesServico(_REG_SERVICO_ATENDIMENTO_PS& servico,
+                                         CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
+  [[nodiscard]] HRESULT LeDespesasAtendimento(_REG_ATENDIMENTO_PS& atendimento,
+                                              CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
+  [[nodiscard]] HRESULT LeRepresentantes(_REG_ATENDIMENTO_PS& atendimento,
+                                         CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
+  // A list of classifications: count and first position in, array out.
+  [[nodiscard]] HRESULT LeListaClassificacoes(std::uint32_t lQuantidade, std::uint32_t lPonteiro,
+                                              _REG_CLASSIFICACAO_GE_PS*& pClassificacoes,
+                                              CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
+  [[nodiscard]] HRESULT LeClassificacao(std::uint32_t lPosicao, _REG_CLASSIFICACAO_GE_PS& classificacao,
+                                        CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
+  [[nodiscard]] HRESULT LeGerencial(std::uint32_t lPosicao, _REG_GERENCIAL_GE_PS& gerencial,
+                                    CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
+  // Position 0: no record (the wire record stays empty).
+  [[nodiscard]] HRESULT LeRetencoes(std::uint32_t lPosicao, _REG_RETENCOES_PS& retencoes,
+                                    CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
+  [[nodiscard]] HRESULT LeDeducoes(_REG_RETENCOES_PS& retencoes, CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
+  [[nodiscard]] HRESULT LePisCofins(std::uint32_t lPosicao, _REG_PIS_COFINS_GE_PS& pisCofins,
+                                    CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
+  [[nodiscard]] HRESULT LeEFD_REINF(std::uint32_t lPosicao, tagREG_EFD_REINF_ITENS_NFPS& efd,
+                                    CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
+  [[nodiscard]] HRESULT LeEFD_REINFProcJur(std::uint32_t lPonteiro, std::uint16_t iQuantidade,
+                                           tagREG_EFD_PROCESSO_JURIDICO_NFPS*& pProcessos,
+                                           CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
+  // The call's follow-up references of a month (its group member).
+  [[nodiscard]] HRESULT LePonteirosIntegracaoACM(std::uint64_t uiChaveArquivo, _REG_ATENDIMENTO_PS& atendimento);
+  // A text of the call text file into a system string (position 0: none).
+  [[nodiscard]] HRESULT LeString(std::uint32_t lPonteiro, BSTR& bs, CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
+
+  // ---- writing (each writes its children first, its own record last) ----
+  // Every write function gets the wire record to store and the one stored
+  // now at the same place of the tree (read back before anything is
+  // written; all zero for a new one), whose positions it reuses: a record
+  // is rewritten in place, a list whose count did not grow is rewritten
+  // over its old run, a grown list is written as a fresh run at the end of
+  // its file. The positions written are returned in the stored record.
+  [[nodiscard]] HRESULT GravaDespesasAtendimento(const _REG_ATENDIMENTO_PS& atendimento,
+                                                 const _REG_ATENDIMENTO_PS& antigo, REG_ATENDIMENTO_V2& reg,
+                                                 CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
+  [[nodiscard]] HRESULT GravaServicosAtendimento(const _REG_ATENDIMENTO_PS& atendimento,
+                                                 const _REG_ATENDIMENTO_PS& antigo, REG_ATENDIMENTO_V2& reg,
+                                                 CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
+  [[nodiscard]] HRESULT GravaSessoesServico(const _REG_SERVICO_ATENDIMENTO_PS& servico,
+                                            const _REG_SERVICO_ATENDIMENTO_PS& antigo, REG_SERVICO_ATENDIMENTO_V3& reg,
+                                            CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
+  [[nodiscard]] HRESULT GravaRepresentantes(const _REG_ATENDIMENTO_PS& atendimento, const _REG_ATENDIMENTO_PS& antigo,
+                                            REG_ATENDIMENTO_V2& reg, CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
+  [[nodiscard]] HRESULT GravaListaClassificacoes(std::uint32_t lQuantidade, std::uint32_t& lPonteiro,
+                                                 const _REG_CLASSIFICACAO_GE_PS* pClassificacoes,
+                                                 std::uint32_t lQuantidadeAntiga,
+                                                 const _REG_CLASSIFICACAO_GE_PS* pAntigas,
+                                                 CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
+  [[nodiscard]] HRESULT GravaClassificacao(const _REG_CLASSIFICACAO_GE_PS& classificacao,
+                                           const _REG_CLASSIFICACAO_GE_PS* pAntiga,
+                                           REG_CLASSIFICACAO_ATENDIMENTO_V1& reg,
+                                           CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
+  [[nodiscard]] HRESULT GravaGerencial(std::uint32_t& lPosicao, const _REG_CLASSIFICACAO_GE_PS& classificacao,
+                                       const _REG_CLASSIFICACAO_GE_PS* pAntiga,
+                                       CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
+  // lPosicao: in, the stored record's position (0: none yet); out, where it went.
+  [[nodiscard]] HRESULT GravaRetencoes(std::uint32_t& lPosicao, const _REG_RETENCOES_PS& retencoes,
+                                       const _REG_RETENCOES_PS& antigas,
+                                       CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
+  [[nodiscard]] HRESULT GravaDeducoes(std::uint32_t& lPosicao, const _REG_RETENCOES_PS& retencoes,
+                                      const _REG_RETENCOES_PS& antigas,
+                                      CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
+  [[nodiscard]] HRESULT GravaPisCofins(std::uint32_t& lPosicao, const _REG_PIS_COFINS_GE_PS& pisCofins,
+                                       CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
+  [[nodiscard]] HRESULT GravaEFD_REINF(std::uint32_t& lPosicao, const tagREG_EFD_REINF_ITENS_NFPS& efd,
+                                       const tagREG_EFD_REINF_ITENS_NFPS& antigo,
+                                       CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
+  // A list of judicial processes: lPonteiro in, the stored run's first
+  // position (iQuantidadeAntiga records); out, where the list went.
+  [[nodiscard]] HRESULT GravaEFD_REINFProcJur(std::uint32_t& lPonteiro, std::uint16_t iQuantidade,
+                                              const tagREG_EFD_PROCESSO_JURIDICO_NFPS* pProcessos,
+                                              std::uint16_t iQuantidadeAntiga,
+                                              CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
+  [[nodiscard]] HRESULT GravaPonteirosIntegracaoACM(std::uint64_t uiChaveArquivo, const _REG_ATENDIMENTO_PS& atendimento,
+                                                    const _REG_ATENDIMENTO_PS& antigo, REG_ATENDIMENTO_V2& reg);
+  // A text of the call text file: kept when unchanged, rewritten in place
+  // when of the same length, else written anew at the end (the old text
+  // stays, unreferenced: no compaction of the whole file on a save); an
+  // empty text is position 0.
+  [[nodiscard]] HRESULT GravaString(const std::string& sTexto, std::uint32_t lPonteiroAntigo,
+                                    const std::string& sAntigo, std::uint32_t& lPonteiro,
+                                    CQVTextFile& arquivo);
+  [[nodiscard]] HRESULT GravaString(BSTR bsTexto, std::uint32_t lPonteiroAntigo, BSTR bsAntigo,
+                                    std::uint32_t& lPonteiro, CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
+
+  // ---- numbering ----
+  // The numbers of every stored call but the one at (iMA, lPosicao)
+  // (lPosicao 0: none excluded). The current month is read from memory,
+  // the others from their files opened read-only: no month is selected, no
+  // file changes.
+  [[nodiscard]] HRESULT LeNumerosAtendimento(std::uint16_t iMA, std::uint32_t lPosicao, std::set<std::uint32_t>& numeros,
+                                             CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
+  // The number a save of the call at (iMA, lPosicao) stores: from the
+  // number asked for upward (0 counts as taken), the first no other call
+  // has. A clash is resolved by counting up, not by taking the highest + 1.
+  [[nodiscard]] HRESULT ConsistirNumeroAtendimentoGravacao(std::uint32_t& lNumeroAtendimento, std::uint16_t iMA,
+                                                           std::uint32_t lPosicao,
+                                                           CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
+  // Raises the settings' next suggested number to lNumeroAtendimento + 1
+  // when that is greater; never lowers it. Not a change of the user's:
+  // no transaction-log row.
+  [[nodiscard]] HRESULT AtualizaNovoNumeroSugestao(std::uint32_t lNumeroAtendimento,
+                                                   CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
+
+  // ---- hooks of the follow-up integration (done elsewhere) ----
+  // Called for every service of the call once all are written, with its
+  // stored record as read back from lPonteiroServico (the services of a
+  // call are consecutive). Nothing to do here.
+  [[nodiscard]] virtual HRESULT AtualizaDadosAcompanhamentoIntegrado(
+      const _REG_ATENDIMENTO_PS& atendimento, const REG_SERVICO_ATENDIMENTO_V3& regServAtendimento,
+      std::uint32_t lPonteiroServico, CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
+  // Called once the call record is written, still under the mark.
+  // regDMCAtendimento names it (position and month); the call as stored,
+  // with the positions the server gave its sub-records, is the record of
+  // m_ArqAtendimento at that position (the month is the current one);
+  // atendimento is the client's record. Nothing to do here.
+  [[nodiscard]] virtual HRESULT InsereServicoAcompanhamentoIntegrado(const _REG_ATENDIMENTO_PS& atendimento,
+                                                                     const REG_QVDMC& regDMCAtendimento,
+                                                                     CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
 
  private:
+  // Checks of a method's arguments, each one error line: the object
+  // initialised, a valid month, a position, a record whose counts agree
+  // with its lists (no null list under a count, at any depth).
+  [[nodiscard]] HRESULT ValidaServidor() const;
+  [[nodiscard]] HRESULT ValidaMes(std::uint16_t iMA) const;
+  [[nodiscard]] HRESULT ValidaAtendimentoPs(const _REG_ATENDIMENTO_PS& atendimento) const;
+  // The settings record and the second client's label, stored.
+  [[nodiscard]] HRESULT GravaPropriedadesArquivo(const _REG_PROPRIEDADES_ATENDIMENTO_PS& RegPropriedadesPs,
+                                                 CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
+
   std::string m_sDiretorioDados;
 };

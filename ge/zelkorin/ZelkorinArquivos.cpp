@@ -23,7 +23,8 @@ constexpr QVArquivoGE kArquivos[] = {
     {"GeProcJurEFDATTEC", EQVTipoConteudo::Registros, 16, false},
     {"GeAtDsDe", EQVTipoConteudo::Texto, 0, false},
     {"GeAtStrV1", EQVTipoConteudo::Texto, 0, false},
-    // Settings and projects.
+    // Settings, the layouts' version and projects.
+    {"GEATENDIMENTOTECNICOVS", EQVTipoConteudo::RegistroUnico, 16, false},
     {"GEATTPROP", EQVTipoConteudo::RegistroUnico, 640, false},
     {"GEATTPROPTXT", EQVTipoConteudo::Texto, 0, false},
     {"GEATPRJV2", EQVTipoConteudo::Registros, 32, false},
