@@ -108,29 +108,6 @@ HRESULT CGeServidorAtendimento::InsereServicoAcompanhamentoIntegrado(const _REG_
   return S_OK;
 }
 
-HRESULT CGeServidorAtendimento::BuscaPonteiros(const _REG_FILTRO_ATENDIMENTO_PS&, _REG_LISTA_PONTEIROS_PS* pLista,
-                                               _REG_CLIENTES_ATENDIMENTO_PS* pClientes) {
-  ZeraSaida(pLista);
-  ZeraSaida(pClientes);
-  return E_NOTIMPL;
-}
-
-HRESULT CGeServidorAtendimento::BuscaRegistros(const _REG_LISTA_PONTEIROS_PS&, _REG_LISTA_REGISTROS_PS* pRegistros) {
-  ZeraSaida(pRegistros);
-  return E_NOTIMPL;
-}
-
-HRESULT CGeServidorAtendimento::BuscaPonteirosAgenda(const _REG_FILTRO_AGENDA_PS&, _REG_LISTA_PONTEIROS_AGENDA* pLista) {
-  ZeraSaida(pLista);
-  return E_NOTIMPL;
-}
-
-HRESULT CGeServidorAtendimento::BuscaRegistrosAgenda(const _REG_LISTA_PONTEIROS_AGENDA&,
-                                                     _REG_LISTA_SERVICOS_AGENDA_PS* pLista) {
-  ZeraSaida(pLista);
-  return E_NOTIMPL;
-}
-
 // ---- argument checks --------------------------------------------------------
 
 HRESULT CGeServidorAtendimento::ValidaServidor() const {
@@ -347,6 +324,7 @@ HRESULT CGeServidorAtendimento::GravaAtendimento(std::uint16_t iMA, std::uint32_
   QVUInt uiPosicao = lPosicao;
   QV_CHECK(pGEAtendimentoDB->m_ArqAtendimento.Grava(uiPosicao, reg));
   *lPosicaoGravada = static_cast<std::uint32_t>(uiPosicao);
+  RegistraNumeroGravado(iMA, *lPosicaoGravada, lNumeroAtendimento, pGEAtendimentoDB);
   QV_CHECK(AtualizaNovoNumeroSugestao(lNumeroAtendimento, pGEAtendimentoDB));
   QV_CHECK(InsereServicoAcompanhamentoIntegrado(atendimento, REG_QVDMC().SetDMC(*lPosicaoGravada, iMA),
                                                 pGEAtendimentoDB));
@@ -393,36 +371,18 @@ HRESULT CGeServidorAtendimento::GravaPropriedades(const _REG_PROPRIEDADES_ATENDI
 // ---- numbering ----------------------------------------------------------------
 
 HRESULT CGeServidorAtendimento::LeNumerosAtendimento(std::uint16_t iMA, std::uint32_t lPosicao,
-                                                     std::set<std::uint32_t>& numeros,
+                                                     CQVNumerosAtendimento& numeros,
                                                      CGeServidorAtendimentoDatabase* pGEAtendimentoDB) {
-  std::vector<std::uint16_t> meses;
-  QV_CHECK(pGEAtendimentoDB->GetMesesAtendimento(&meses));
-  const std::uint16_t iMAAtual = pGEAtendimentoDB->GetMa().iMA;
-  auto insere = [&](std::uint16_t iMes, CQVFile<REG_ATENDIMENTO_V2>& arquivo) {
-    const QVUInt n = arquivo.GetQtdRegistros();
-    for (QVUInt p = 1; p <= n; ++p)
-      if (iMes != iMA || p != lPosicao) numeros.insert(arquivo.GetRegistro(p)->lNumeroAtendimento);
-  };
-  if (iMAAtual != 0) insere(iMAAtual, pGEAtendimentoDB->m_ArqAtendimento);
-  for (const std::uint16_t iMes : meses) {
-    if (iMes == iMAAtual) continue;
-    CQVDataBase qvDB(QV_GE);
-    qvDB.SetSomenteLeitura(true);
-    qvDB.SetDiretorio(pGEAtendimentoDB->GetDiretorio());
-    QV_CHECK(qvDB.Inicializa(this));
-    CGeServidorAtendimentoDatabase::ArquivoMensal<REG_ATENDIMENTO_V2> arqMes(
-        pGEAtendimentoDB->m_ArqAtendimento.GetRaiz(), QV_GE);
-    QV_CHECK(arqMes.SelecionaPeriodo(iMes));
-    QV_CHECK(arqMes.Inicializa(&qvDB));
-    insere(iMes, arqMes);
-  }
+  std::string sDiretorio;
+  QV_CHECK(pGEAtendimentoDB->GetDiretorioDados(&sDiretorio));
+  QV_CHECK(CQVIndiceNumeros::Da(sDiretorio).Consulta(this, pGEAtendimentoDB, iMA, lPosicao, &numeros));
   return S_OK;
 }
 
 HRESULT CGeServidorAtendimento::ConsistirNumeroAtendimentoGravacao(std::uint32_t& lNumeroAtendimento,
                                                                    std::uint16_t iMA, std::uint32_t lPosicao,
                                                                    CGeServidorAtendimentoDatabase* pGEAtendimentoDB) {
-  std::set<std::uint32_t> numeros;
+  CQVNumerosAtendimento numeros;
   QV_CHECK(LeNumerosAtendimento(iMA, lPosicao, numeros, pGEAtendimentoDB));
   while (lNumeroAtendimento == 0 || numeros.count(lNumeroAtendimento) != 0) ++lNumeroAtendimento;
   return S_OK;

@@ -20,10 +20,12 @@
 #include <cstdint>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "core/qvdatabase/QVDataBaseFacade.h"
 #include "ge/zelkorin/ZelkorinInterfaces.h"
 #include "ge/zelkorin/atendimento/CGeServidorAtendimentoDatabase.h"
+#include "ge/zelkorin/atendimento/CQVIndiceNumeros.h"
 #include "suite/hostlink/CQVBaseParaRotinas.h"
 
 class CGeServidorAtendimento
@@ -155,10 +157,11 @@ class CGeServidorAtendimento
 
   // ---- numbering ----
   // The numbers of every stored call but the one at (iMA, lPosicao)
-  // (lPosicao 0: none excluded). The current month is read from memory,
-  // the others from their files opened read-only: no month is selected, no
-  // file changes.
-  [[nodiscard]] HRESULT LeNumerosAtendimento(std::uint16_t iMA, std::uint32_t lPosicao, std::set<std::uint32_t>& numeros,
+  // (lPosicao 0: none excluded), from the process's index of the company's
+  // numbers (CQVIndiceNumeros.h), brought up to date first: only months
+  // whose call file changed are read again, the current one from memory,
+  // the others read-only. No month is selected, no file changes.
+  [[nodiscard]] HRESULT LeNumerosAtendimento(std::uint16_t iMA, std::uint32_t lPosicao, CQVNumerosAtendimento& numeros,
                                              CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
   // The number a save of the call at (iMA, lPosicao) stores: from the
   // number asked for upward (0 counts as taken), the first no other call
@@ -200,4 +203,45 @@ class CGeServidorAtendimento
                                                  CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
 
   std::string m_sDiretorioDados;
+
+  // ---- search and agenda (atendimento/CGeServidorAtendimentoBusca.cpp) ----
+ public:
+  // The searches behind the four wire methods, for the reports and the
+  // follow-up integration too: over pGEAtendimentoDB when one is given,
+  // else over a read-only database of this company opened for the call and
+  // closed at its end. The database's Trava() is held throughout (a search
+  // selects months). The out record is cleared first and filled only on
+  // success; whatever it holds then is the caller's. Bad input (a null
+  // array under a count, a month code that is no month, position 0, a
+  // position past its month's end) is refused with one error line before
+  // anything is handed out. A failure inside the per-call test is thrown
+  // (CFiltro.h).
+  [[nodiscard]] HRESULT BuscaPonteiros(const _REG_FILTRO_ATENDIMENTO_PS& RegFiltroPs,
+                                       _REG_LISTA_PONTEIROS_PS* RegListaPonteirosPs,
+                                       _REG_CLIENTES_ATENDIMENTO_PS* RegClientes,
+                                       CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
+  [[nodiscard]] HRESULT BuscaRegistros(const _REG_LISTA_PONTEIROS_PS& RegPonteirosPs,
+                                       _REG_LISTA_REGISTROS_PS* RegRegistrosPs,
+                                       CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
+  [[nodiscard]] HRESULT BuscaPonteirosAgenda(const _REG_FILTRO_AGENDA_PS& RegFiltroPs,
+                                             _REG_LISTA_PONTEIROS_AGENDA* RegListaPonteirosPs,
+                                             CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
+  [[nodiscard]] HRESULT BuscaRegistrosAgenda(const _REG_LISTA_PONTEIROS_AGENDA& RegPonteiros,
+                                             _REG_LISTA_SERVICOS_AGENDA_PS* RegListaServicosPs,
+                                             CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
+  // The months a search reads, ascending: those with a call file, within
+  // the tree's range when both its dates are set, else within the settings'
+  // emission months (a bound of 0 not applied) unless cIgnorarDatasEmissao.
+  [[nodiscard]] HRESULT MesesDaBusca(const _REG_FILTRO_ATENDIMENTO_PS& RegFiltroPs, std::vector<std::uint16_t>* pMeses,
+                                     CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
+
+ private:
+  // The numbers' index takes the number a save of this process wrote
+  // (CQVIndiceNumeros.h); never fails the save.
+  void RegistraNumeroGravado(std::uint16_t iMA, std::uint32_t lPosicao, std::uint32_t lNumeroAtendimento,
+                             CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
+  // Runs a search over pGEAtendimentoDB, or over a read-only database of
+  // its own when it is null, under the database's Trava().
+  template <class F>
+  [[nodiscard]] HRESULT ComBancoDaBusca(CGeServidorAtendimentoDatabase* pGEAtendimentoDB, F&& busca);
 };
