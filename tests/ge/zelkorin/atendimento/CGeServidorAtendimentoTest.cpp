@@ -6,7 +6,9 @@
 
 #include <cstring>
 #include <filesystem>
+#include <functional>
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
