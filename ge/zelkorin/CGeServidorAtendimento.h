@@ -189,12 +189,17 @@ class CGeServidorAtendimento
                                                                      CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
 
  private:
-  // Checks of a method's arguments, each one error line: the object
-  // initialised, a valid month, a position, a record whose counts agree
-  // with its lists (no null list under a count, at any depth).
+  // Checks of a method's arguments, each writing the one error line of its
+  // refusal with the argument at fault (callers tolerate the status, so as
+  // not to write it twice): the object initialised, a valid month, a call's
+  // position, a record whose counts agree with its lists (no null list
+  // under a count, at any depth).
   [[nodiscard]] HRESULT ValidaServidor() const;
   [[nodiscard]] HRESULT ValidaMes(std::uint16_t iMA) const;
   [[nodiscard]] HRESULT ValidaAtendimentoPs(const _REG_ATENDIMENTO_PS& atendimento) const;
+  // A call of the current month's call file (iMA names it for the line).
+  [[nodiscard]] HRESULT ValidaPosicao(std::uint16_t iMA, std::uint32_t lPosicao,
+                                      CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
   // The settings record and the second client's label, stored.
   [[nodiscard]] HRESULT GravaPropriedadesArquivo(const _REG_PROPRIEDADES_ATENDIMENTO_PS& RegPropriedadesPs,
                                                  CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
