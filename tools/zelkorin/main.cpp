@@ -17,6 +17,7 @@
 #include "df/qvlibex/QVProfilerLog.h"
 #include "ge/zelkorin/ZelkorinClasses.h"
 #include "suite/hostlink/QVSessaoSuite.h"
+#include "tools/zelkorin/ComandoCall.h"
 #include "tools/zelkorin/ComandosDb.h"
 #include "tools/zelkorin/ComandosServidor.h"
 #include "tools/zelkorin/SessaoExemplo.h"
@@ -54,6 +55,7 @@ int main(int argc, char** argv) {
   int codigoSaida = 0;
   QVRegistraComandosDb(app, &codigoSaida);
   QVRegistraComandosServidor(app, &codigoSaida);
+  QVRegistraComandoCall(app, &codigoSaida);
 
   CLI11_PARSE(app, argc, argv);
 
