@@ -4,9 +4,15 @@
 #include <vector>
 
 #include "core/qvdatabase/CQVDataBaseUtil.h"
+#include "df/qvlibex/CQVDatabaseMarca.h"
 #include "df/qvlibex/QVCodigos.h"
+#include "df/qvlibex/QVDatas.h"
 #include "df/qvlibex/QVLog.h"
+#include "ge/zelkorin/atendimento/ZelkorinAtendimentoUtil.h"
+#include "ge/zelkorin/atendimento/ZelkorinConversaoRegistros.h"
 #include "platform/QVOsFile.h"
+#include "suite/hostlink/IQVAcessoGerenciador.h"
+#include "suite/txlog/CLogTransacoesHelper.h"
 
 namespace {
 
@@ -125,29 +131,327 @@ HRESULT CGeServidorAtendimento::BuscaRegistrosAgenda(const _REG_LISTA_PONTEIROS_
   return E_NOTIMPL;
 }
 
-HRESULT CGeServidorAtendimento::LeAtendimento(std::uint16_t, std::uint32_t, _REG_ATENDIMENTO_PS* pAtendimento) {
-  ZeraSaida(pAtendimento);
-  return E_NOTIMPL;
+// ---- argument checks --------------------------------------------------------
+
+HRESULT CGeServidorAtendimento::ValidaServidor() const {
+  if (m_pDataBase == nullptr) QV_RETURN(E_QVCR_SERVIDOR_NAO_INICIALIZADO);
+  return S_OK;
 }
 
-HRESULT CGeServidorAtendimento::LeAtendimentoLight(std::uint16_t, std::uint32_t, _REG_ATENDIMENTO_PS* pAtendimento) {
-  ZeraSaida(pAtendimento);
-  return E_NOTIMPL;
+HRESULT CGeServidorAtendimento::ValidaMes(std::uint16_t iMA) const {
+  int ano = 0, mes = 0;
+  if (!QVMesAnoDecompoe(iMA, &ano, &mes)) {
+    QVLogaFalhaHr(QV_LOCAL, "E_INVALIDARG", E_INVALIDARG, {{"iMA", std::to_string(iMA)}});
+    return E_INVALIDARG;
+  }
+  return S_OK;
 }
 
-HRESULT CGeServidorAtendimento::GravaAtendimento(std::uint16_t, std::uint32_t, const _REG_ATENDIMENTO_PS&,
-                                                 std::uint32_t* plPosicaoGravada) {
-  if (plPosicaoGravada != nullptr) *plPosicaoGravada = 0;
-  return E_NOTIMPL;
+namespace {
+
+// The first list of a call's tree whose count comes without its array,
+// named as a path ("pServicos[1].pSessoes"); "" when there is none.
+std::string ListaSemArray(const _REG_ATENDIMENTO_PS& a) {
+  auto falta = [](std::uint64_t n, const void* p) { return n != 0 && p == nullptr; };
+  auto indice = [](const char* lista, std::uint32_t i) { return std::string(lista) + "[" + std::to_string(i) + "]"; };
+  auto classificacoes = [&](const std::string& sPai, std::uint32_t n,
+                            const _REG_CLASSIFICACAO_GE_PS* p) -> std::string {
+    if (falta(n, p)) return sPai + "pClassificacoes";
+    for (std::uint32_t i = 0; i < n; ++i)
+      if (falta(p[i].lQuantidadeGerencial, p[i].pGerenciais))
+        return sPai + indice("pClassificacoes", i) + ".pGerenciais";
+    return {};
+  };
+  auto retencoes = [&](const std::string& sPai, const _REG_RETENCOES_PS& r) -> std::string {
+    return falta(r.iQtdDeducaoBCINSS, r.pRegDeducoesBCINSS) ? sPai + "pRegDeducoesBCINSS" : std::string();
+  };
+  auto efd = [&](const std::string& sPai, const tagREG_EFD_REINF_ITENS_NFPS& e) -> std::string {
+    if (falta(e.iQuantidadeProcessosRetAjuiz, e.pRegProcessosRetAjuiz)) return sPai + "pRegProcessosRetAjuiz";
+    if (falta(e.iQuantidadeProcessosRetAdic, e.pRegProcessosRetAdic)) return sPai + "pRegProcessosRetAdic";
+    return {};
+  };
+  std::string s;
+  if (falta(a.iQuantidadeServicoAtend, a.pServicos)) return "pServicos";
+  for (std::uint32_t i = 0; i < a.iQuantidadeServicoAtend; ++i) {
+    const _REG_SERVICO_ATENDIMENTO_PS& sv = a.pServicos[i];
+    const std::string sPai = indice("pServicos", i) + ".";
+    if (falta(sv.iQuantidadeSessao, sv.pSessoes)) return sPai + "pSessoes";
+    if (!(s = classificacoes(sPai, sv.iQuantidadeClassificacao, sv.pClassificacoes)).empty()) return s;
+    if (!(s = retencoes(sPai + "regRetencoes.", sv.regRetencoes)).empty()) return s;
+    if (!(s = efd(sPai + "regEFD_REINF.", sv.regEFD_REINF)).empty()) return s;
+  }
+  if (falta(a.iQuantidadeDespesa, a.pDespesas)) return "pDespesas";
+  for (std::uint32_t i = 0; i < a.iQuantidadeDespesa; ++i) {
+    const _REG_DESPESA_ATENDIMENTO_PS& d = a.pDespesas[i];
+    if (!(s = classificacoes(indice("pDespesas", i) + ".", d.iQuantidadeClassificacao, d.pClassificacoes)).empty())
+      return s;
+  }
+  if (falta(a.lQtdRepresentante, a.pRepresentante)) return "pRepresentante";
+  if (!(s = classificacoes("", a.lQuantidadeClassificacao, a.pClassificacoes)).empty()) return s;
+  if (falta(a.regListaEventosGoogle.lQuantidadeEventos, a.regListaEventosGoogle.pListaEventos))
+    return "regListaEventosGoogle.pListaEventos";
+  if (falta(a.regListaPonteirosIntegACM.ulQuantidade, a.regListaPonteirosIntegACM.pLista))
+    return "regListaPonteirosIntegACM.pLista";
+  if (!(s = retencoes("regRetencoesSomarItensNF.", a.regRetencoesSomarItensNF)).empty()) return s;
+  return efd("regEFDREINFPsSomarItensNF.", a.regEFDREINFPsSomarItensNF);
 }
 
-HRESULT CGeServidorAtendimento::LePropriedades(_REG_PROPRIEDADES_ATENDIMENTO_PS* pPropriedades, std::uint32_t) {
-  ZeraSaida(pPropriedades);
-  return E_NOTIMPL;
+}  // namespace
+
+HRESULT CGeServidorAtendimento::ValidaAtendimentoPs(const _REG_ATENDIMENTO_PS& atendimento) const {
+  const std::string sLista = ListaSemArray(atendimento);
+  if (!sLista.empty()) {
+    QVLogaFalhaHr(QV_LOCAL, "E_INVALIDARG", E_INVALIDARG, {{"lista sem array", sLista}});
+    return E_INVALIDARG;
+  }
+  return S_OK;
 }
 
-HRESULT CGeServidorAtendimento::GravaPropriedades(const _REG_PROPRIEDADES_ATENDIMENTO_PS&, std::uint32_t) {
-  return E_NOTIMPL;
+// ---- reading ----------------------------------------------------------------
+
+HRESULT CGeServidorAtendimento::LeAtendimento(std::uint16_t iMA, std::uint32_t lPosicao,
+                                              _REG_ATENDIMENTO_PS* RegAtendimento) {
+  ZeraSaida(RegAtendimento);
+  if (RegAtendimento == nullptr) QV_RETURN(E_POINTER);
+  QV_CHECK(ValidaServidor());
+  QV_CHECK(ValidaMes(iMA));
+  CGeServidorAtendimentoDatabase* pGEAtendimentoDB = m_pDataBase;
+  std::lock_guard trava(pGEAtendimentoDB->Trava());
+  QV_CHECK(pGEAtendimentoDB->SelecionaMes(iMA));
+  const HRESULT hr = QV_LOGA(LeAtendimentoArquivo(lPosicao, *RegAtendimento, true, pGEAtendimentoDB));
+  if (FAILED(hr)) {
+    // What was read so far is the caller's no longer: on failure nothing.
+    QVLibera(RegAtendimento);
+    ZeraSaida(RegAtendimento);
+  }
+  return hr;
+}
+
+HRESULT CGeServidorAtendimento::LeAtendimentoLight(std::uint16_t iMA, std::uint32_t lPosicao,
+                                                   _REG_ATENDIMENTO_PS* RegAtendimento) {
+  ZeraSaida(RegAtendimento);
+  if (RegAtendimento == nullptr) QV_RETURN(E_POINTER);
+  QV_CHECK(ValidaServidor());
+  QV_CHECK(ValidaMes(iMA));
+  CGeServidorAtendimentoDatabase* pGEAtendimentoDB = m_pDataBase;
+  std::lock_guard trava(pGEAtendimentoDB->Trava());
+  QV_CHECK(pGEAtendimentoDB->SelecionaMes(iMA));
+  const HRESULT hr = QV_LOGA(LeAtendimentoArquivo(lPosicao, *RegAtendimento, false, pGEAtendimentoDB));
+  if (FAILED(hr)) ZeraSaida(RegAtendimento);
+  return hr;
+}
+
+HRESULT CGeServidorAtendimento::LePropriedades(_REG_PROPRIEDADES_ATENDIMENTO_PS* RegPropriedadesPs, std::uint32_t) {
+  ZeraSaida(RegPropriedadesPs);
+  if (RegPropriedadesPs == nullptr) QV_RETURN(E_POINTER);
+  QV_CHECK(ValidaServidor());
+  REG_PROPRIEDADES_ATENDIMENTO_TECNICO_V1 rPropriedadesAtendimento;
+  QV_CHECK(m_pDataBase->m_AtendimentoTecnicoPropriedades.Le(&rPropriedadesAtendimento));
+  _REG_PROPRIEDADES_ATENDIMENTO_PS ps;
+  QVPropriedadesParaPs(rPropriedadesAtendimento, ps);
+  if (rPropriedadesAtendimento.lPonteiroNomeCliente2 != 0) {
+    std::string sTexto;
+    QV_CHECK(m_pDataBase->m_AtendimentoTecnicoPropTXT.Le(rPropriedadesAtendimento.lPonteiroNomeCliente2, &sTexto));
+    QV_CHECK(QVTextoPsDefine(&ps.rNomeCliente2, sTexto));
+  }
+  *RegPropriedadesPs = ps;
+  return S_OK;
+}
+
+// ---- writing ----------------------------------------------------------------
+
+HRESULT CGeServidorAtendimento::GravaAtendimento(std::uint16_t iMA, std::uint32_t lPosicao,
+                                                 const _REG_ATENDIMENTO_PS& RegAtendimentoPs,
+                                                 std::uint32_t* lPosicaoGravada) {
+  if (lPosicaoGravada == nullptr) QV_RETURN(E_POINTER);
+  *lPosicaoGravada = 0;
+  QV_CHECK(ValidaServidor());
+  QV_CHECK(ValidaMes(iMA));
+  QV_CHECK(ValidaAtendimentoPs(RegAtendimentoPs));
+  const _REG_ATENDIMENTO_PS& atendimento = RegAtendimentoPs;
+  CGeServidorAtendimentoDatabase* pGEAtendimentoDB = m_pDataBase;
+  std::lock_guard trava(pGEAtendimentoDB->Trava());
+
+  std::string sDiretorio;
+  QV_CHECK(pGEAtendimentoDB->GetDiretorioDados(&sDiretorio));
+  // Released by its destructor on every way out.
+  CQVDatabaseMarca DBFactory(pGEAtendimentoDB->GetNucleoMarcas(), this, sDiretorio, "GE");
+  QV_CHECK(DBFactory.Marca(MARCA_ATENDIMENTO));
+  QV_CHECK(pGEAtendimentoDB->SelecionaMes(iMA));
+
+  // The call stored now, whole: its positions are the ones reused, and a
+  // damaged one stops the save before anything is written.
+  const QVUInt uiQtdAtendimentos = pGEAtendimentoDB->m_ArqAtendimento.GetQtdRegistros();
+  if (lPosicao > uiQtdAtendimentos) {
+    QVLogaFalhaHr(QV_LOCAL, "E_QVCR_POSICAO_GRAVACAO_SUPERIOR_QUANTIDADE_ARQUIVO",
+                  E_QVCR_POSICAO_GRAVACAO_SUPERIOR_QUANTIDADE_ARQUIVO,
+                  {{"lPosicao", std::to_string(lPosicao)}, {"GetQtdRegistros", std::to_string(uiQtdAtendimentos)},
+                   {"iMA", std::to_string(iMA)}});
+    return E_QVCR_POSICAO_GRAVACAO_SUPERIOR_QUANTIDADE_ARQUIVO;
+  }
+  CQVRegistroPs<_REG_ATENDIMENTO_PS> antigo;
+  if (lPosicao != 0) {
+    REG_ATENDIMENTO_V2 regAntigo;
+    QV_CHECK(pGEAtendimentoDB->m_ArqAtendimento.Le(lPosicao, &regAntigo));
+    QVAtendimentoParaPs(regAntigo, antigo.reg);
+    QV_CHECK(LeAtendimento(antigo.reg, pGEAtendimentoDB, false));
+  }
+
+  REG_ATENDIMENTO_V2 reg;
+  QVAtendimentoParaArquivo(atendimento, reg);
+  QV_CHECK(GravaDespesasAtendimento(atendimento, antigo.reg, reg, pGEAtendimentoDB));
+  QV_CHECK(GravaServicosAtendimento(atendimento, antigo.reg, reg, pGEAtendimentoDB));
+  QV_CHECK(GravaRepresentantes(atendimento, antigo.reg, reg, pGEAtendimentoDB));
+  std::uint32_t lPonteiro = antigo.reg.lPonteiroClassificacao;
+  QV_CHECK(GravaListaClassificacoes(atendimento.lQuantidadeClassificacao, lPonteiro, atendimento.pClassificacoes,
+                                    antigo.reg.lQuantidadeClassificacao, antigo.reg.pClassificacoes,
+                                    pGEAtendimentoDB));
+  reg.lPonteiroClassificacao = lPonteiro;
+  QV_CHECK(GravaString(atendimento.bsComentario, antigo.reg.lPonteiroComentario, antigo.reg.bsComentario, lPonteiro,
+                       pGEAtendimentoDB));
+  reg.lPonteiroComentario = lPonteiro;
+  QV_CHECK(GravaString(atendimento.bsComentarioAgendamento, antigo.reg.lPonteiroComentarioAgendamento,
+                       antigo.reg.bsComentarioAgendamento, lPonteiro, pGEAtendimentoDB));
+  reg.lPonteiroComentarioAgendamento = lPonteiro;
+  QV_CHECK(GravaString(atendimento.bsDescricaoSomarItensNF, antigo.reg.lPonteiroDescricaoSomarItensNF,
+                       antigo.reg.bsDescricaoSomarItensNF, lPonteiro, pGEAtendimentoDB));
+  reg.lPonteiroDescricaoSomarItensNF = lPonteiro;
+
+  // The calendar events are the suite's: a call that never had any makes
+  // no list there.
+  std::uint32_t lPonteiroEventoAgenda = antigo.reg.lPonteiroEventoAgenda;
+  if (atendimento.regListaEventosGoogle.lQuantidadeEventos != 0 || lPonteiroEventoAgenda != 0) {
+    CQVDadosGE_ListaEventos dadosListaEventos;
+    QVEventosParaDados(atendimento.regListaEventosGoogle, dadosListaEventos);
+    if (GetAcessoGerenciador() == nullptr) QV_RETURN(E_QVDF_SEM_SESSAO_SUITE);
+    QV_CHECK(GetAcessoGerenciador()->GravaEventosGoogle(&dadosListaEventos, &lPonteiroEventoAgenda));
+  }
+  reg.lPonteiroEventoAgenda = lPonteiroEventoAgenda;
+
+  lPonteiro = antigo.reg.lPonteiroPISCOFINSSomarItensNF;
+  QV_CHECK(GravaPisCofins(lPonteiro, atendimento.RegPisCofinsPsSomarItensNF, pGEAtendimentoDB));
+  reg.lPonteiroPISCOFINSSomarItensNF = lPonteiro;
+  lPonteiro = antigo.reg.lPonteiroEFD_REINFSomarItensNF;
+  QV_CHECK(GravaEFD_REINF(lPonteiro, atendimento.regEFDREINFPsSomarItensNF, antigo.reg.regEFDREINFPsSomarItensNF,
+                          pGEAtendimentoDB));
+  reg.lPonteiroEFD_REINFSomarItensNF = lPonteiro;
+  lPonteiro = antigo.reg.lPonteiroRetencoesSomarItensNF;
+  QV_CHECK(GravaRetencoes(lPonteiro, atendimento.regRetencoesSomarItensNF, antigo.reg.regRetencoesSomarItensNF,
+                          pGEAtendimentoDB));
+  reg.lPonteiroRetencoesSomarItensNF = lPonteiro;
+  QV_CHECK(GravaPonteirosIntegracaoACM(pGEAtendimentoDB->GetMa().ToChave(), atendimento, antigo.reg, reg));
+
+  std::uint32_t lNumeroAtendimento = atendimento.lNumeroAtendimento;
+  QV_CHECK(ConsistirNumeroAtendimentoGravacao(lNumeroAtendimento, iMA, lPosicao, pGEAtendimentoDB));
+  reg.lNumeroAtendimento = lNumeroAtendimento;
+  QVUInt uiPosicao = lPosicao;
+  QV_CHECK(pGEAtendimentoDB->m_ArqAtendimento.Grava(uiPosicao, reg));
+  *lPosicaoGravada = static_cast<std::uint32_t>(uiPosicao);
+  QV_CHECK(AtualizaNovoNumeroSugestao(lNumeroAtendimento, pGEAtendimentoDB));
+  QV_CHECK(InsereServicoAcompanhamentoIntegrado(atendimento, REG_QVDMC().SetDMC(*lPosicaoGravada, iMA),
+                                                pGEAtendimentoDB));
+  QV_CHECK(DBFactory.Desmarca(MARCA_ATENDIMENTO));
+  return S_OK;
+}
+
+HRESULT CGeServidorAtendimento::GravaPropriedadesArquivo(const _REG_PROPRIEDADES_ATENDIMENTO_PS& RegPropriedadesPs,
+                                                         CGeServidorAtendimentoDatabase* pGEAtendimentoDB) {
+  REG_PROPRIEDADES_ATENDIMENTO_TECNICO_V1 rAntigo;
+  QV_CHECK(pGEAtendimentoDB->m_AtendimentoTecnicoPropriedades.Le(&rAntigo));
+  std::string sAntigo;
+  if (rAntigo.lPonteiroNomeCliente2 != 0)
+    QV_CHECK(pGEAtendimentoDB->m_AtendimentoTecnicoPropTXT.Le(rAntigo.lPonteiroNomeCliente2, &sAntigo));
+  REG_PROPRIEDADES_ATENDIMENTO_TECNICO_V1 rPropriedadesAtendimento;
+  QVPropriedadesParaArquivo(RegPropriedadesPs, rPropriedadesAtendimento);
+  std::uint32_t lPonteiroNomeCliente2 = 0;
+  QV_CHECK(GravaString(QVTextoPsLe(RegPropriedadesPs.rNomeCliente2), rAntigo.lPonteiroNomeCliente2, sAntigo,
+                       lPonteiroNomeCliente2, pGEAtendimentoDB->m_AtendimentoTecnicoPropTXT));
+  rPropriedadesAtendimento.lPonteiroNomeCliente2 = lPonteiroNomeCliente2;
+  QV_CHECK(pGEAtendimentoDB->m_AtendimentoTecnicoPropriedades.Grava(rPropriedadesAtendimento));
+  return S_OK;
+}
+
+HRESULT CGeServidorAtendimento::GravaPropriedades(const _REG_PROPRIEDADES_ATENDIMENTO_PS& RegPropriedadesPs,
+                                                  std::uint32_t) {
+  QV_CHECK(ValidaServidor());
+  CGeServidorAtendimentoDatabase* pGEAtendimentoDB = m_pDataBase;
+  std::lock_guard trava(pGEAtendimentoDB->Trava());
+  // The suggested number is read and rewritten by the saves of calls under
+  // the mark: the settings are written under it too.
+  std::string sDiretorio;
+  QV_CHECK(pGEAtendimentoDB->GetDiretorioDados(&sDiretorio));
+  CQVDatabaseMarca DBFactory(pGEAtendimentoDB->GetNucleoMarcas(), this, sDiretorio, "GE");
+  QV_CHECK(DBFactory.Marca(MARCA_ATENDIMENTO));
+  QV_CHECK(GravaPropriedadesArquivo(RegPropriedadesPs, pGEAtendimentoDB));
+  QV_CHECK(DBFactory.Desmarca(MARCA_ATENDIMENTO));
+  CLogTransacoesHelper logHelper;
+  QV_CHECK(logHelper.Inicializa(this));
+  QV_CHECK(logHelper.Grava(REG_QVDMC(), E_GE_REGISTRO_LOG::eLogAtendimentoTecnico, 'A', "Alteração das Propriedades"));
+  return S_OK;
+}
+
+// ---- numbering ----------------------------------------------------------------
+
+HRESULT CGeServidorAtendimento::LeNumerosAtendimento(std::uint16_t iMA, std::uint32_t lPosicao,
+                                                     std::set<std::uint32_t>& numeros,
+                                                     CGeServidorAtendimentoDatabase* pGEAtendimentoDB) {
+  std::vector<std::uint16_t> meses;
+  QV_CHECK(pGEAtendimentoDB->GetMesesAtendimento(&meses));
+  const std::uint16_t iMAAtual = pGEAtendimentoDB->GetMa().iMA;
+  auto insere = [&](std::uint16_t iMes, CQVFile<REG_ATENDIMENTO_V2>& arquivo) {
+    const QVUInt n = arquivo.GetQtdRegistros();
+    for (QVUInt p = 1; p <= n; ++p)
+      if (iMes != iMA || p != lPosicao) numeros.insert(arquivo.GetRegistro(p)->lNumeroAtendimento);
+  };
+  if (iMAAtual != 0) insere(iMAAtual, pGEAtendimentoDB->m_ArqAtendimento);
+  for (const std::uint16_t iMes : meses) {
+    if (iMes == iMAAtual) continue;
+    CQVDataBase qvDB(QV_GE);
+    qvDB.SetSomenteLeitura(true);
+    qvDB.SetDiretorio(pGEAtendimentoDB->GetDiretorio());
+    QV_CHECK(qvDB.Inicializa(this));
+    CGeServidorAtendimentoDatabase::ArquivoMensal<REG_ATENDIMENTO_V2> arqMes(
+        pGEAtendimentoDB->m_ArqAtendimento.GetRaiz(), QV_GE);
+    QV_CHECK(arqMes.SelecionaPeriodo(iMes));
+    QV_CHECK(arqMes.Inicializa(&qvDB));
+    insere(iMes, arqMes);
+  }
+  return S_OK;
+}
+
+HRESULT CGeServidorAtendimento::ConsistirNumeroAtendimentoGravacao(std::uint32_t& lNumeroAtendimento,
+                                                                   std::uint16_t iMA, std::uint32_t lPosicao,
+                                                                   CGeServidorAtendimentoDatabase* pGEAtendimentoDB) {
+  std::set<std::uint32_t> numeros;
+  QV_CHECK(LeNumerosAtendimento(iMA, lPosicao, numeros, pGEAtendimentoDB));
+  while (lNumeroAtendimento == 0 || numeros.count(lNumeroAtendimento) != 0) ++lNumeroAtendimento;
+  return S_OK;
+}
+
+HRESULT CGeServidorAtendimento::AtualizaNovoNumeroSugestao(std::uint32_t lNumeroAtendimento,
+                                                           CGeServidorAtendimentoDatabase* pGEAtendimentoDB) {
+  REG_PROPRIEDADES_ATENDIMENTO_TECNICO_V1 rPropriedadesAtendimento;
+  QV_CHECK(pGEAtendimentoDB->m_AtendimentoTecnicoPropriedades.Le(&rPropriedadesAtendimento));
+  const std::uint64_t uiProximo = std::uint64_t{lNumeroAtendimento} + 1;
+  if (uiProximo <= rPropriedadesAtendimento.lProximoNumero || uiProximo > UINT32_MAX) return S_OK;
+  rPropriedadesAtendimento.lProximoNumero = static_cast<std::uint32_t>(uiProximo);
+  QV_CHECK(pGEAtendimentoDB->m_AtendimentoTecnicoPropriedades.Grava(rPropriedadesAtendimento));
+  return S_OK;
+}
+
+// Slot 19 has a number and no call: the answer is for a new call, whose
+// save would keep the number exactly when no stored call has it.
+HRESULT CGeServidorAtendimento::ConsistirNumeroAtendimentoPS(std::uint32_t lNumeroAtendimento,
+                                                             std::int32_t* pbNumeroNaoDuplicado) {
+  if (pbNumeroNaoDuplicado == nullptr) QV_RETURN(E_POINTER);
+  *pbNumeroNaoDuplicado = 0;
+  QV_CHECK(ValidaServidor());
+  CGeServidorAtendimentoDatabase* pGEAtendimentoDB = m_pDataBase;
+  std::lock_guard trava(pGEAtendimentoDB->Trava());
+  std::uint32_t lNumero = lNumeroAtendimento;
+  QV_CHECK(ConsistirNumeroAtendimentoGravacao(lNumero, pGEAtendimentoDB->GetMa().iMA, 0, pGEAtendimentoDB));
+  *pbNumeroNaoDuplicado = lNumero == lNumeroAtendimento ? 1 : 0;
+  return S_OK;
 }
 
 HRESULT CGeServidorAtendimento::BuscaLeiautesAtendimento(BSTR* pbs) {
@@ -162,11 +466,6 @@ HRESULT CGeServidorAtendimento::BuscaLeiautesAtendimentoDFCLAY(BSTR* pbs) {
 
 HRESULT CGeServidorAtendimento::BuscaLeiautesAtendimentoDFCMOD(BSTR* pbs) {
   if (pbs != nullptr) *pbs = nullptr;
-  return E_NOTIMPL;
-}
-
-HRESULT CGeServidorAtendimento::ConsistirNumeroAtendimentoPS(std::uint32_t, std::int32_t* pbNaoDuplicado) {
-  if (pbNaoDuplicado != nullptr) *pbNaoDuplicado = 0;
   return E_NOTIMPL;
 }
 

@@ -13,6 +13,7 @@
 #include "ge/zelkorin/atendimento/ZelkorinConversaoRegistros.h"
 #include "platform/QVBstr.h"
 #include "platform/QVCodePage.h"
+#include "suite/hostlink/IQVAcessoGerenciador.h"
 
 HRESULT CGeServidorAtendimento::LeAtendimentoArquivo(std::uint32_t lPosicao, _REG_ATENDIMENTO_PS& atendimento,
                                                      bool bCompleto, CGeServidorAtendimentoDatabase* pGEAtendimentoDB) {
@@ -45,6 +46,7 @@ HRESULT CGeServidorAtendimento::LeAtendimento(_REG_ATENDIMENTO_PS& atendimento,
   QV_CHECK(LeString(atendimento.lPonteiroDescricaoSomarItensNF, atendimento.bsDescricaoSomarItensNF, pGEAtendimentoDB));
   if (bEventos && atendimento.lPonteiroEventoAgenda != 0) {
     CQVDadosGE_ListaEventos dadosListaEventos;
+    if (GetAcessoGerenciador() == nullptr) QV_RETURN(E_QVDF_SEM_SESSAO_SUITE);
     QV_CHECK(GetAcessoGerenciador()->LeEventosGoogle(&atendimento.lPonteiroEventoAgenda, &dadosListaEventos));
     QV_CHECK(QVEventosParaPs(dadosListaEventos, atendimento.regListaEventosGoogle));
   }
