@@ -97,17 +97,6 @@ HRESULT CGeServidorAtendimento::ConverteVersaoAnterior(std::uint16_t usVersao) {
   return E_QVCR_VERSAO_DADOS_INFERIOR_SEM_CONVERSAO;
 }
 
-HRESULT CGeServidorAtendimento::AtualizaDadosAcompanhamentoIntegrado(const _REG_ATENDIMENTO_PS&,
-                                                                     const REG_SERVICO_ATENDIMENTO_V3&, std::uint32_t,
-                                                                     CGeServidorAtendimentoDatabase*) {
-  return S_OK;
-}
-
-HRESULT CGeServidorAtendimento::InsereServicoAcompanhamentoIntegrado(const _REG_ATENDIMENTO_PS&, const REG_QVDMC&,
-                                                                     CGeServidorAtendimentoDatabase*) {
-  return S_OK;
-}
-
 HRESULT CGeServidorAtendimento::BuscaPonteiros(const _REG_FILTRO_ATENDIMENTO_PS&, _REG_LISTA_PONTEIROS_PS* pLista,
                                                _REG_CLIENTES_ATENDIMENTO_PS* pClientes) {
   ZeraSaida(pLista);

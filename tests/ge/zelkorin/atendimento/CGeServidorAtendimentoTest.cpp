@@ -116,6 +116,7 @@ _REG_ATENDIMENTO_PS Chamado(std::uint32_t semente) {
     _REG_SERVICO_ATENDIMENTO_PS& s = a.pServicos[i];
     Zera(s.cFiller), Zera(s.lFiller), ZeraBstr(s.bsFiller);
     s.bCobrar = Bool(s.bCobrar), s.bServicoExcedente = Bool(s.bServicoExcedente);
+    s.cIntegrarAcompServ = 0, s.lIdentificadorServicoAcompanhamento = 0;  // no follow-up of the suite
     LimpaRetencoes(s.regRetencoes);
     LimpaEFD(s.regEFD_REINF);
     LimpaClassificacoes(s.pClassificacoes, s.iQuantidadeClassificacao);
