@@ -97,22 +97,26 @@ HRESULT CGeServidorAtendimento::ConverteVersaoAnterior(std::uint16_t usVersao) {
   return E_QVCR_VERSAO_DADOS_INFERIOR_SEM_CONVERSAO;
 }
 
-HRESULT CGeServidorAtendimento::AtualizaDadosAcompanhamentoIntegrado(const _REG_ATENDIMENTO_PS&,
-                                                                     const REG_SERVICO_ATENDIMENTO_V3&, std::uint32_t,
-                                                                     CGeServidorAtendimentoDatabase*) {
-  return S_OK;
-}
-
-HRESULT CGeServidorAtendimento::InsereServicoAcompanhamentoIntegrado(const _REG_ATENDIMENTO_PS&, const REG_QVDMC&,
-                                                                     CGeServidorAtendimentoDatabase*) {
-  return S_OK;
-}
-
 // ---- argument checks --------------------------------------------------------
 
 HRESULT CGeServidorAtendimento::ValidaServidor() const {
   if (m_pDataBase == nullptr) QV_RETURN(E_QVCR_SERVIDOR_NAO_INICIALIZADO);
   return S_OK;
+}
+
+HRESULT CGeServidorAtendimento::ValidaPosicao(std::uint16_t iMA, std::uint32_t lPosicao,
+                                              CGeServidorAtendimentoDatabase* pGEAtendimentoDB) {
+  const QVUInt uiQtd = pGEAtendimentoDB->m_ArqAtendimento.GetQtdRegistros();
+  if (lPosicao != 0 && lPosicao <= uiQtd) return S_OK;
+  const HRESULT hr =
+      lPosicao == 0 ? E_QVCR_TENTATIVA_LER_POSICAO_ZERO : E_QVCR_POSICAO_LEITURA_SUPERIOR_QUANTIDADE_ARQUIVO;
+  QVLogaFalhaHr(QV_LOCAL,
+                lPosicao == 0 ? "E_QVCR_TENTATIVA_LER_POSICAO_ZERO" : "E_QVCR_POSICAO_LEITURA_SUPERIOR_QUANTIDADE_ARQUIVO",
+                hr,
+                {{"iMA", std::to_string(iMA)},
+                 {"lPosicao", std::to_string(lPosicao)},
+                 {"GetQtdRegistros", std::to_string(uiQtd)}});
+  return hr;
 }
 
 HRESULT CGeServidorAtendimento::ValidaMes(std::uint16_t iMA) const {
@@ -191,11 +195,16 @@ HRESULT CGeServidorAtendimento::LeAtendimento(std::uint16_t iMA, std::uint32_t l
   ZeraSaida(RegAtendimento);
   if (RegAtendimento == nullptr) QV_RETURN(E_POINTER);
   QV_CHECK(ValidaServidor());
-  QV_CHECK(ValidaMes(iMA));
+  HRESULT hr;
+  QV_CHECK_HR(hr, ValidaMes(iMA), E_INVALIDARG);  // its own line names the month
+  if (FAILED(hr)) return hr;
   CGeServidorAtendimentoDatabase* pGEAtendimentoDB = m_pDataBase;
   std::lock_guard trava(pGEAtendimentoDB->Trava());
   QV_CHECK(pGEAtendimentoDB->SelecionaMes(iMA));
-  const HRESULT hr = QV_LOGA(LeAtendimentoArquivo(lPosicao, *RegAtendimento, true, pGEAtendimentoDB));
+  QV_CHECK_HR(hr, ValidaPosicao(iMA, lPosicao, pGEAtendimentoDB), E_QVCR_TENTATIVA_LER_POSICAO_ZERO,
+              E_QVCR_POSICAO_LEITURA_SUPERIOR_QUANTIDADE_ARQUIVO);
+  if (FAILED(hr)) return hr;
+  hr = QV_LOGA(LeAtendimentoArquivo(lPosicao, *RegAtendimento, true, pGEAtendimentoDB));
   if (FAILED(hr)) {
     // What was read so far is the caller's no longer: on failure nothing.
     QVLibera(RegAtendimento);
@@ -209,11 +218,16 @@ HRESULT CGeServidorAtendimento::LeAtendimentoLight(std::uint16_t iMA, std::uint3
   ZeraSaida(RegAtendimento);
   if (RegAtendimento == nullptr) QV_RETURN(E_POINTER);
   QV_CHECK(ValidaServidor());
-  QV_CHECK(ValidaMes(iMA));
+  HRESULT hr;
+  QV_CHECK_HR(hr, ValidaMes(iMA), E_INVALIDARG);  // its own line names the month
+  if (FAILED(hr)) return hr;
   CGeServidorAtendimentoDatabase* pGEAtendimentoDB = m_pDataBase;
   std::lock_guard trava(pGEAtendimentoDB->Trava());
   QV_CHECK(pGEAtendimentoDB->SelecionaMes(iMA));
-  const HRESULT hr = QV_LOGA(LeAtendimentoArquivo(lPosicao, *RegAtendimento, false, pGEAtendimentoDB));
+  QV_CHECK_HR(hr, ValidaPosicao(iMA, lPosicao, pGEAtendimentoDB), E_QVCR_TENTATIVA_LER_POSICAO_ZERO,
+              E_QVCR_POSICAO_LEITURA_SUPERIOR_QUANTIDADE_ARQUIVO);
+  if (FAILED(hr)) return hr;
+  hr = QV_LOGA(LeAtendimentoArquivo(lPosicao, *RegAtendimento, false, pGEAtendimentoDB));
   if (FAILED(hr)) ZeraSaida(RegAtendimento);
   return hr;
 }
@@ -243,8 +257,12 @@ HRESULT CGeServidorAtendimento::GravaAtendimento(std::uint16_t iMA, std::uint32_
   if (lPosicaoGravada == nullptr) QV_RETURN(E_POINTER);
   *lPosicaoGravada = 0;
   QV_CHECK(ValidaServidor());
-  QV_CHECK(ValidaMes(iMA));
-  QV_CHECK(ValidaAtendimentoPs(RegAtendimentoPs));
+  // Each check writes its own line, naming the argument at fault.
+  HRESULT hr;
+  QV_CHECK_HR(hr, ValidaMes(iMA), E_INVALIDARG);
+  if (FAILED(hr)) return hr;
+  QV_CHECK_HR(hr, ValidaAtendimentoPs(RegAtendimentoPs), E_INVALIDARG);
+  if (FAILED(hr)) return hr;
   const _REG_ATENDIMENTO_PS& atendimento = RegAtendimentoPs;
   CGeServidorAtendimentoDatabase* pGEAtendimentoDB = m_pDataBase;
   std::lock_guard trava(pGEAtendimentoDB->Trava());

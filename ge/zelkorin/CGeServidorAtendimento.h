@@ -27,6 +27,7 @@
 #include "ge/zelkorin/atendimento/CGeServidorAtendimentoDatabase.h"
 #include "ge/zelkorin/atendimento/CQVIndiceNumeros.h"
 #include "suite/hostlink/CQVBaseParaRotinas.h"
+#include "suite/servicedata/QVDadosGE.h"
 
 class CGeServidorAtendimento
     : public CQVDataBaseFacade<CQVDataBase_GE_AtendimentoTecnico, CQVBaseParaRotinas> {
@@ -175,10 +176,12 @@ class CGeServidorAtendimento
   [[nodiscard]] HRESULT AtualizaNovoNumeroSugestao(std::uint32_t lNumeroAtendimento,
                                                    CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
 
-  // ---- hooks of the follow-up integration (done elsewhere) ----
+  // ---- the follow-up integration ----
   // Called for every service of the call once all are written, with its
   // stored record as read back from lPonteiroServico (the services of a
-  // call are consecutive). Nothing to do here.
+  // call are consecutive). A service linked to a follow-up
+  // (lIdentificadorServicoAcompanhamento not 0) refreshes its entry there
+  // and the follow-up's value of services (docs/atendimento.md).
   [[nodiscard]] virtual HRESULT AtualizaDadosAcompanhamentoIntegrado(
       const _REG_ATENDIMENTO_PS& atendimento, const REG_SERVICO_ATENDIMENTO_V3& regServAtendimento,
       std::uint32_t lPonteiroServico, CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
@@ -186,23 +189,84 @@ class CGeServidorAtendimento
   // regDMCAtendimento names it (position and month); the call as stored,
   // with the positions the server gave its sub-records, is the record of
   // m_ArqAtendimento at that position (the month is the current one);
-  // atendimento is the client's record. Nothing to do here.
+  // atendimento is the client's record. Every service to integrate that
+  // is not linked yet is attached to a follow-up of the call that takes it
+  // or to a new one (docs/atendimento.md).
   [[nodiscard]] virtual HRESULT InsereServicoAcompanhamentoIntegrado(const _REG_ATENDIMENTO_PS& atendimento,
                                                                      const REG_QVDMC& regDMCAtendimento,
                                                                      CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
 
  private:
-  // Checks of a method's arguments, each one error line: the object
-  // initialised, a valid month, a position, a record whose counts agree
-  // with its lists (no null list under a count, at any depth).
+  // Checks of a method's arguments, each writing the one error line of its
+  // refusal with the argument at fault (callers tolerate the status, so as
+  // not to write it twice): the object initialised, a valid month, a call's
+  // position, a record whose counts agree with its lists (no null list
+  // under a count, at any depth).
   [[nodiscard]] HRESULT ValidaServidor() const;
   [[nodiscard]] HRESULT ValidaMes(std::uint16_t iMA) const;
   [[nodiscard]] HRESULT ValidaAtendimentoPs(const _REG_ATENDIMENTO_PS& atendimento) const;
+  // A call of the current month's call file (iMA names it for the line).
+  [[nodiscard]] HRESULT ValidaPosicao(std::uint16_t iMA, std::uint32_t lPosicao,
+                                      CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
   // The settings record and the second client's label, stored.
   [[nodiscard]] HRESULT GravaPropriedadesArquivo(const _REG_PROPRIEDADES_ATENDIMENTO_PS& RegPropriedadesPs,
                                                  CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
 
   std::string m_sDiretorioDados;
+
+  // ---- follow-up integration (atendimento/CGeServidorAtendimentoAcompanhamento.cpp) ----
+  // A follow-up of the call with the integration record that ties them.
+  struct AcompanhamentoIntegrado;
+  // A service of the call being attached to a follow-up: its stored record
+  // and position, its class, and the call it belongs to.
+  struct ServicoIntegracao;
+  // The call's follow-ups, in the order of its reference list.
+  using MapAcompanhamentos = std::vector<AcompanhamentoIntegrado>;
+
+  // The follow-ups named by the call's reference list (each once).
+  [[nodiscard]] HRESULT CarregaMapAcompanhamentos(const REG_ATENDIMENTO_V2& regAtendimento,
+                                                  std::uint64_t uiChaveArquivo,
+                                                  MapAcompanhamentos& mapIntegAcompanhamento);
+  // The service's catalogue record and the title service of its
+  // classification (none: class 0).
+  [[nodiscard]] HRESULT LeClasseServico(ServicoIntegracao& servico);
+  // Whether an existing follow-up takes the service; when it does, the
+  // service's entry is added to it (not yet written).
+  [[nodiscard]] HRESULT AtualizaServicoAcompanhamentoExistente(CQVDadosGE_AcompanhamentoServico& dadosAcompanhamento,
+                                                               const ServicoIntegracao& servico,
+                                                               bool& bAtualizouServico);
+  // A new follow-up for the service, inserted, added to the map and to the
+  // call's reference list, then tied to the service.
+  [[nodiscard]] HRESULT InsereNovoAcompanhamento(const ServicoIntegracao& servico,
+                                                 MapAcompanhamentos& mapIntegAcompanhamento,
+                                                 REG_ATENDIMENTO_V2& regAtendimento,
+                                                 CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
+  // Appends an integration reference to the call's list and rewrites the
+  // call record at lPosicao of the current month (regAtendimento follows).
+  [[nodiscard]] HRESULT AtualizaPonteirosInteg_ACM(
+      std::uint64_t uiChaveArquivo, REG_ATENDIMENTO_V2& regAtendimento, std::uint32_t lPosicao,
+      const CQVDadosGE_DadosIntegracaoAcompanhamentoServico& dadosIntegracaoGerada,
+      CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
+  // Writes the follow-up with its entries, takes back the entries as the
+  // suite numbered them, and stores the follow-up's identity in the
+  // service's record.
+  [[nodiscard]] HRESULT AtualizaACM_ServicoATTEC(AcompanhamentoIntegrado& acompanhamento,
+                                                 const ServicoIntegracao& servico,
+                                                 CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
+  // The value of the services performed for a follow-up: the call being
+  // written (its client record) first, then the other calls of the
+  // follow-up, each entry counted once.
+  [[nodiscard]] HRESULT CalculaValorServicosMesmaOrigem(const AcompanhamentoIntegrado& acompanhamento,
+                                                        const _REG_ATENDIMENTO_PS& atendimento, QVMoeda& vValorServicos,
+                                                        CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
+  // The calls that may perform services of a follow-up.
+  [[nodiscard]] HRESULT BuscaAtendimentosMesmaOrigem(const AcompanhamentoIntegrado& acompanhamento,
+                                                     std::set<REG_QVDMC>& atendimentos);
+  // The stored services of the call dmcAtendimento of any month, without
+  // selecting a month; none for a reference that names no stored call.
+  [[nodiscard]] HRESULT LeServicosGravadosAtendimento(const REG_QVDMC& dmcAtendimento,
+                                                      std::vector<REG_SERVICO_ATENDIMENTO_V3>& servicos,
+                                                      CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
 
   // ---- search and agenda (atendimento/CGeServidorAtendimentoBusca.cpp) ----
  public:

@@ -58,51 +58,6 @@ HRESULT Recusa(std::string* pMotivo, const char* sMotivo) {
   return E_QVDF_NOME_EMPRESA_INVALIDO;
 }
 
-bool SoAscii(const std::string& s) {
-  for (unsigned char c : s)
-    if (c >= 0x80) return false;
-  return true;
-}
-
-struct EmpresaSuite {
-  std::uint32_t lPonteiro = 0;
-  std::string sNome;   // as stored
-  std::string sPasta;  // its folder under the data root
-};
-
-// The company of a name (UTF-8) as the suite compares names: S_OK, or
-// S_FALSE when the store has none. Call with the store's lock held.
-HRESULT ProcuraEmpresa(CQVBancoSuite& banco, const std::string& sEmpresa, EmpresaSuite* pEmpresa) {
-  const auto le = [&](const CQVComandoSuite& cmd) {
-    pEmpresa->lPonteiro = static_cast<std::uint32_t>(cmd.Inteiro(0));
-    pEmpresa->sNome = cmd.Texto(1);
-    pEmpresa->sPasta = cmd.Texto(2);
-    if (pEmpresa->sPasta.empty()) pEmpresa->sPasta = pEmpresa->sNome;
-  };
-  // The column's NOCASE folds ASCII letters only: the index finds the name
-  // as asked or differing in those. The names (unique under NOCASE) can
-  // differ otherwise only in other letters, compared one by one.
-  CQVComandoSuite cmd;
-  QV_CHECK(banco.Prepara("SELECT ponteiro, nome, pasta FROM empresas WHERE nome = ?1", &cmd));
-  bool bLinha = false;
-  QV_CHECK(cmd.Liga(1, sEmpresa).Passo(&bLinha));
-  if (bLinha) {
-    le(cmd);
-    return S_OK;
-  }
-  if (SoAscii(sEmpresa)) return S_FALSE;
-  CQVComandoSuite todas;
-  QV_CHECK(banco.Prepara("SELECT ponteiro, nome, pasta FROM empresas ORDER BY ponteiro", &todas));
-  for (;;) {
-    QV_CHECK(todas.Passo(&bLinha));
-    if (!bLinha) return S_FALSE;
-    if (QVIguaisSemCaixa(todas.Texto(1), sEmpresa)) {
-      le(todas);
-      return S_OK;
-    }
-  }
-}
-
 }  // namespace
 
 HRESULT CQVSessaoSuitePadrao::Conecta(const _REG_DF_INICIALIZAPS& regps, std::shared_ptr<IQVConexaoSuite>* ppConexao) {
@@ -129,11 +84,11 @@ HRESULT CQVSessaoSuitePadrao::Conecta(const _REG_DF_INICIALIZAPS& regps, std::sh
   const std::uint32_t lUsuario = regps.ulUsuario;
   std::shared_ptr<CQVBancoSuite> pBanco;
   QV_CHECK(QVBancoSuite(&pBanco));
-  EmpresaSuite empresa;
+  QVEmpresaSuite empresa;
   bool bAtivo = false, bPermitido = false;
   {
     auto trava = pBanco->Trava();
-    QV_CHECK_HR(hr, ProcuraEmpresa(*pBanco, sEmpresa, &empresa));
+    QV_CHECK_HR(hr, QVProcuraEmpresaSuite(*pBanco, sEmpresa, &empresa));
     if (hr == S_OK) {
       CQVComandoSuite cmd;
       QV_CHECK(pBanco->Prepara("SELECT ativo, EXISTS (SELECT 1 FROM usuarios_empresas WHERE ponteiro_usuario = ?1 "
@@ -168,11 +123,11 @@ HRESULT CQVSessaoSuitePadrao::GetDiretorioDadosModulo(std::uint32_t modulo, cons
   }
   std::shared_ptr<CQVBancoSuite> pBanco;
   QV_CHECK(QVBancoSuite(&pBanco));
-  EmpresaSuite dados;
+  QVEmpresaSuite dados;
   {
     auto trava = pBanco->Trava();
     HRESULT hr = S_OK;
-    QV_CHECK_HR(hr, ProcuraEmpresa(*pBanco, empresa, &dados));
+    QV_CHECK_HR(hr, QVProcuraEmpresaSuite(*pBanco, empresa, &dados));
     // A company the suite does not know has no directory: the caller says so.
     if (hr == S_FALSE) return S_OK;
   }

@@ -101,36 +101,6 @@ HRESULT CQVGE_IntegracaoSuite::GetValorRecebidoAtTecFaturado(std::uint16_t iMA, 
   return S_OK;
 }
 
-// The company's pointer: the row spelt as asked (letter case of ASCII aside,
-// as the store's NOCASE index compares), else the first, by pointer, equal
-// to it without regard to case in the suite's code page (accented letters
-// included), as the suite's file system sees company names. 0 for none.
-HRESULT PonteiroEmpresa(CQVBancoSuite& banco, const std::string& sEmpresa, std::uint32_t* plEmpresa) {
-  *plEmpresa = 0;
-  if (sEmpresa.empty()) return S_OK;
-  auto trava = banco.Trava();
-  bool bLinha = false;
-  {
-    CQVComandoSuite cmd;
-    QV_CHECK(banco.Prepara("SELECT ponteiro FROM empresas WHERE nome = ?1", &cmd));
-    QV_CHECK(cmd.Liga(1, sEmpresa).Passo(&bLinha));
-    if (bLinha) {
-      *plEmpresa = static_cast<std::uint32_t>(cmd.Inteiro(0));
-      return S_OK;
-    }
-  }
-  CQVComandoSuite cmd;
-  QV_CHECK(banco.Prepara("SELECT ponteiro, nome FROM empresas ORDER BY ponteiro", &cmd));
-  for (;;) {
-    QV_CHECK(cmd.Passo(&bLinha));
-    if (!bLinha) return S_OK;
-    if (QVIguaisSemCaixa(cmd.Texto(1), sEmpresa)) {
-      *plEmpresa = static_cast<std::uint32_t>(cmd.Inteiro(0));
-      return S_OK;
-    }
-  }
-}
-
 }  // namespace
 
 CConexaoGesInteg::CConexaoGesInteg() = default;
@@ -140,15 +110,16 @@ HRESULT CConexaoGesInteg::Inicializa(const std::string& sEmpresa, std::uint32_t 
   m_pIntegracao.reset();
   std::shared_ptr<CQVBancoSuite> pBanco;
   QV_CHECK(QVBancoSuite(&pBanco));
-  std::uint32_t lEmpresa = 0;
-  QV_CHECK(PonteiroEmpresa(*pBanco, sEmpresa, &lEmpresa));
-  if (lEmpresa == 0) {
+  QVEmpresaSuite empresa;
+  HRESULT hr = S_OK;
+  QV_CHECK_HR(hr, QVProcuraEmpresaSuite(*pBanco, sEmpresa, &empresa));
+  if (hr == S_FALSE) {
     QVLogaFalhaHr(QV_LOCAL, "E_QVDF_EMPRESA_NAO_CADASTRADA", E_QVDF_EMPRESA_NAO_CADASTRADA,
                   {{"sEmpresa", sEmpresa},
                    {"lUsuario", std::to_string(lUsuario)},
                    {"lSessao", std::to_string(lSessao)}});
     return E_QVDF_EMPRESA_NAO_CADASTRADA;
   }
-  m_pIntegracao = std::make_unique<CQVGE_IntegracaoSuite>(std::move(pBanco), lEmpresa);
+  m_pIntegracao = std::make_unique<CQVGE_IntegracaoSuite>(std::move(pBanco), empresa.lPonteiro);
   return S_OK;
 }

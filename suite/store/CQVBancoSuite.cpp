@@ -6,6 +6,7 @@
 #include <filesystem>
 
 #include "df/qvlibex/QVCodigos.h"
+#include "platform/QVCodePage.h"
 #include "platform/QVOsFile.h"
 #include "platform/QVSystemInfo.h"
 #include "suite/hostlink/QVSessaoSuite.h"
@@ -341,3 +342,48 @@ HRESULT QVBancoSuite(std::shared_ptr<CQVBancoSuite>* ppBanco) {
 void QVDefineEsperaBancoSuite(int ms) { g_iEsperaMs.store(ms); }
 
 int QVEsperaBancoSuite() { return g_iEsperaMs.load(); }
+
+namespace {
+
+bool SoAscii(const std::string& s) {
+  for (unsigned char c : s)
+    if (c >= 0x80) return false;
+  return true;
+}
+
+}  // namespace
+
+HRESULT QVProcuraEmpresaSuite(CQVBancoSuite& banco, const std::string& sEmpresa, QVEmpresaSuite* pEmpresa) {
+  if (pEmpresa == nullptr) return E_POINTER;
+  *pEmpresa = {};
+  if (sEmpresa.empty()) return S_FALSE;
+  const auto le = [&](const CQVComandoSuite& cmd) {
+    pEmpresa->lPonteiro = static_cast<std::uint32_t>(cmd.Inteiro(0));
+    pEmpresa->sNome = cmd.Texto(1);
+    pEmpresa->sPasta = cmd.Texto(2);
+    if (pEmpresa->sPasta.empty()) pEmpresa->sPasta = pEmpresa->sNome;
+  };
+  auto trava = banco.Trava();
+  // The index finds the name as asked or differing in ASCII case; names
+  // unique under NOCASE can differ otherwise only in other letters, which
+  // are compared one company at a time.
+  CQVComandoSuite cmd;
+  QV_CHECK(banco.Prepara("SELECT ponteiro, nome, pasta FROM empresas WHERE nome = ?1", &cmd));
+  bool bLinha = false;
+  QV_CHECK(cmd.Liga(1, sEmpresa).Passo(&bLinha));
+  if (bLinha) {
+    le(cmd);
+    return S_OK;
+  }
+  if (SoAscii(sEmpresa)) return S_FALSE;
+  CQVComandoSuite todas;
+  QV_CHECK(banco.Prepara("SELECT ponteiro, nome, pasta FROM empresas ORDER BY ponteiro", &todas));
+  for (;;) {
+    QV_CHECK(todas.Passo(&bLinha));
+    if (!bLinha) return S_FALSE;
+    if (QVIguaisSemCaixa(todas.Texto(1), sEmpresa)) {
+      le(todas);
+      return S_OK;
+    }
+  }
+}

@@ -148,6 +148,20 @@ class CQVBancoSuite {
 [[nodiscard]] HRESULT QVBancoSuite(std::shared_ptr<CQVBancoSuite>* ppBanco);
 // The busy time-out of the stores opened from then on.
 void QVDefineEsperaBancoSuite(int ms);
+
+// A company of the store, found by name as the suite compares company
+// names: the row spelt as asked (ASCII letter case aside, as the column's
+// NOCASE index compares), else the first by pointer equal to it without
+// regard to case in the suite's code page (accented letters included).
+struct QVEmpresaSuite {
+  std::uint32_t lPonteiro = 0;
+  std::string sNome;   // as stored
+  std::string sPasta;  // its folder under the data root (its name when none is stored)
+};
+// S_OK with the company, S_FALSE when the store has none (an empty name
+// included). Takes the store's lock itself.
+[[nodiscard]] HRESULT QVProcuraEmpresaSuite(CQVBancoSuite& banco, const std::string& sEmpresa,
+                                            QVEmpresaSuite* pEmpresa);
 int QVEsperaBancoSuite();
 
 // The migrations, in order: migration i (1-based) brings the schema from

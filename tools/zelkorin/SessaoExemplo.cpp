@@ -46,14 +46,14 @@ class CSessao {
   // The calls every object answers alike: keep-alive, last error,
   // initialisation, generic function.
   void ChamadasComuns(IQVUnknown* obj, const std::string& classe, const std::function<HRESULT()>& chamadaNegocio,
-                      const std::string& nomeNegocio) {
+                      const std::string& nomeNegocio, HRESULT hrNegocio) {
     KeepAlive(obj, classe);
     Resposta(classe + "." + nomeNegocio + " (antes de inicializar)", chamadaNegocio(), E_QVCR_SERVIDOR_NAO_INICIALIZADO);
     UltimoErro(obj, classe);
     Resposta(classe + ".Inicializa_Padrao", obj->Inicializa_Padrao(RegistroInicializacao()), S_OK,
              "empresa " + m_Opcoes.empresa);
     KeepAlive(obj, classe);
-    Resposta(classe + "." + nomeNegocio, chamadaNegocio(), E_NOTIMPL);
+    Resposta(classe + "." + nomeNegocio, chamadaNegocio(), hrNegocio);
     UltimoErro(obj, classe);
   }
 
@@ -119,10 +119,12 @@ int QVExecutaSessaoExemplo(const QVOpcoesSessaoExemplo& opcoes, std::FILE* out) 
   sessao.ChamadasComuns(
       atendimento.get(), "QVGE_Atendimento",
       [&] {
-        _REG_PROPRIEDADES_ATENDIMENTO_PS propriedades;
-        return atendimento->LePropriedades(&propriedades, 0);
+        _REG_PROPRIEDADES_ATENDIMENTO_PS propriedades{};
+        const HRESULT hrLe = atendimento->LePropriedades(&propriedades, 0);
+        QVLibera(&propriedades);
+        return hrLe;
       },
-      "LePropriedades");
+      "LePropriedades", S_OK);
 
   std::fprintf(out, "QVGE_Projeto %s\n", QVGuidFormat(CLSID_QVGE_Projeto).c_str());
   CQVComPtr<IQVGE_Projeto> projeto;
@@ -135,7 +137,7 @@ int QVExecutaSessaoExemplo(const QVOpcoesSessaoExemplo& opcoes, std::FILE* out) 
         _REG_PROJETO_ATENDIMENTO_PS registro;
         return projeto->LeRegistro(1, &registro);
       },
-      "LeRegistro");
+      "LeRegistro", E_NOTIMPL);
 
   std::fprintf(out, "Estatísticas de uso\n");
   sessao.Estatisticas(projeto.get(), "QVGE_Projeto");

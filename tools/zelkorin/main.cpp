@@ -12,6 +12,9 @@
 //   zelkorin suite init|import|export|list|show|tables ...
 //       the suite store: the sample company, tables in and out as CSV or
 //       JSON, what the server wrote (ComandosSuite.h).
+//   zelkorin call [--socket PATH | --connect HOST:PORT | --root DIR] ARQUIVO.json|-
+//       runs the calls of a JSON document on the two classes and prints
+//       their answers as JSON (ComandoCall.h).
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <filesystem>
@@ -20,6 +23,7 @@
 #include "df/qvlibex/QVProfilerLog.h"
 #include "ge/zelkorin/ZelkorinClasses.h"
 #include "suite/hostlink/QVSessaoSuite.h"
+#include "tools/zelkorin/ComandoCall.h"
 #include "tools/zelkorin/ComandosDb.h"
 #include "tools/zelkorin/ComandosServidor.h"
 #include "tools/zelkorin/ComandosSuite.h"
@@ -59,6 +63,7 @@ int main(int argc, char** argv) {
   QVRegistraComandosDb(app, &codigoSaida);
   QVRegistraComandosServidor(app, &codigoSaida);
   QVRegistraComandosSuite(app, &codigoSaida);
+  QVRegistraComandoCall(app, &codigoSaida);
 
   CLI11_PARSE(app, argc, argv);
 

@@ -419,6 +419,12 @@ TEST_F(Transporte, SigtermLiberaTudoEOsClientesVeemADesconexao) {
 }
 
 TEST_F(Transporte, ChamadaSemRespostaNoPrazoDaTempoEsgotado) {
+  // The company's database is opened (its files made) by an object of an
+  // unhurried connection, and stays open while it lives: the hurried
+  // object's initialisation only joins it.
+  CQVComPtr<IQVGE_Atendimento> primeiro;
+  ASSERT_EQ(m_pConexao->CriaObjeto(CLSID_QVGE_Atendimento, IID_IQVGE_Atendimento, primeiro.ppv()), S_OK);
+  ASSERT_EQ(primeiro->Inicializa_Padrao(QVTesteInicializaPS()), S_OK);
   std::shared_ptr<CQVConexaoZelkorin> apressada;
   ASSERT_EQ(CQVConexaoZelkorin::Conecta({.sSocket = m_pServidor->Socket(), .ulTempoLimiteMs = 100}, &apressada),
             S_OK);
