@@ -2,8 +2,9 @@
 # The main job: builds the server in release, gives the embedded default
 # data root (~/.local/share/zelkorin unless ZELKORIN_ROOT says otherwise)
 # its suite store with the sample company EMPRESA_EXEMPLO, starts the server
-# on it, runs the sample client session against it out of process, asks it
-# for its status, and stops it with SIGTERM. Extra arguments go to the
+# on it, runs the sample client session against it out of process, saves,
+# reads and searches service calls through it (zelkorin call), asks it for
+# its status, and stops it with SIGTERM. Extra arguments go to the
 # sample session (--empresa, --usuario, --sessao). ZELKORIN_PRESET picks
 # another configured preset's program (the test run reuses its debug build).
 set -euo pipefail
@@ -42,6 +43,10 @@ done
 
 rc=0
 "$zelkorin" sample --socket "$socket" "$@" || rc=$?
+# Real work through the server: three calls of the sample company saved
+# (services, sessions, an expense, a classification, texts), one read
+# back, a search by executor and the agenda of another (tools/exemplos).
+"$zelkorin" call --socket "$socket" tools/exemplos/sessao-atendimentos.json || rc=$?
 "$zelkorin" status --socket "$socket" || rc=$?
 trap - EXIT
 encerra
