@@ -6,7 +6,7 @@ set -euo pipefail
 ZELKORIN_PACOTES=(
   g++ cmake ninja-build pkg-config
   libgtest-dev libgmock-dev libbenchmark-dev
-  nlohmann-json3-dev libfmt-dev libcli11-dev
+  nlohmann-json3-dev libfmt-dev libcli11-dev libsqlite3-dev
   capnproto libcapnp-dev
 )
 
