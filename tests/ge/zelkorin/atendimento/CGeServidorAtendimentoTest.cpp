@@ -17,7 +17,6 @@
 #include "ge/zelkorin/atendimento/ZelkorinAtendimentoUtil.h"
 #include "platform/QVBstr.h"
 #include "platform/QVCodePage.h"
-#include "suite/hostlink/CQVConexaoSuitePadrao.h"
 #include "suite/store/CQVBancoSuite.h"
 #include "tests/support/QVTesteArquivos.h"
 #include "tests/support/QVTesteRegistros.h"
@@ -27,29 +26,10 @@ namespace {
 const std::uint16_t kMarco2024 = QVMesAno(2024, 3);
 const std::uint16_t kAbril2024 = QVMesAno(2024, 4);
 
-// Sessions connected to the suite store of the test's data root, for the
-// calendar events and the transaction log, whatever the session library of
-// the build accepts: the company and user of the record, registered.
-class CQVSessaoTeste : public IQVSessaoSuite {
- public:
-  HRESULT Conecta(const _REG_DF_INICIALIZAPS& regps, std::shared_ptr<IQVConexaoSuite>* ppConexao) override {
-    const std::string sEmpresa = QVAnsiToUtf8(QVLeCampoTexto(regps.szEmpresa));
-    *ppConexao = std::make_shared<CQVConexaoSuitePadrao>(QVTesteBancoSuite(), QVTesteCadastraEmpresa(sEmpresa),
-                                                         regps.ulUsuario);
-    return S_OK;
-  }
-  HRESULT GetDiretorioDadosModulo(std::uint32_t modulo, const std::string& empresa, std::string* pDir) override {
-    return m_Padrao.GetDiretorioDadosModulo(modulo, empresa, pDir);
-  }
-
- private:
-  CQVSessaoSuitePadrao m_Padrao;
-};
-
 class Atendimento : public ::testing::Test {
  protected:
-  void SetUp() override { QVDefineSessaoSuite(std::make_shared<CQVSessaoTeste>()); }
-  void TearDown() override { QVDefineSessaoSuite(std::make_shared<CQVSessaoSuitePadrao>()); }
+  // Each case judges the error lines it caused, not those of earlier cases.
+  void SetUp() override { QVTesteLimpaLog(); }
 };
 
 // A server object of a company, initialised as the frame would.
