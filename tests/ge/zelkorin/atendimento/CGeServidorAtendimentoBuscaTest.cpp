@@ -470,3 +470,37 @@ TEST(Busca, EntradaRuimEFalhasDuranteABusca) {
   EXPECT_EQ(agenda.pPonteiros, nullptr);
   o->Release();
 }
+
+// Calls saved by another server process are found by this one's search:
+// before this process opened the company, and while it has it open.
+// Disabled: it fails. The second January call is not seen while this
+// process holds January from its first search: the file is open here in a
+// write mode, whose memory is trusted as no other writer could come in,
+// yet the other process's save came in. To be mended in the record store
+// (the sharing of a held month file), then enabled.
+TEST(Busca, DISABLED_ChamadoGravadoEmOutroProcessoEEncontrado) {
+  CadastraMestres("BUSCA PROCESSOS");
+  const std::uint16_t jan = QVMesAno(2024, 1), fev = jan + 1;
+  const auto gravaNoutroProcesso = [&](std::uint32_t lNumero, std::uint16_t iMA) {
+    const auto status = QVTesteEmProcessos(1, [&](int) {
+      Servidor outro("BUSCA PROCESSOS");
+      if (outro.hr != S_OK) return 1;
+      std::uint32_t lPosicao = 0;
+      Chamado c(lNumero, QVPrimeiroDiaDoMes(iMA) + 4);
+      return outro.s.GravaAtendimento(iMA, 0, c.r.reg, &lPosicao) == S_OK ? 0 : 2;
+    });
+    EXPECT_EQ(status, std::vector<int>{0});
+  };
+  gravaNoutroProcesso(1, jan);
+  Servidor srv("BUSCA PROCESSOS");
+  ASSERT_EQ(srv.hr, S_OK);
+  _REG_FILTRO_ATENDIMENTO_PS f{};
+  f.cIgnorarDatasEmissao = 1;
+  Ponteiros ponteiros;
+  ASSERT_EQ(Pesquisa(srv.s, f, &ponteiros), S_OK);
+  EXPECT_EQ(ponteiros, (Ponteiros{{jan, 1}}));
+  gravaNoutroProcesso(2, jan);
+  gravaNoutroProcesso(3, fev);
+  ASSERT_EQ(Pesquisa(srv.s, f, &ponteiros), S_OK);
+  EXPECT_EQ(ponteiros, (Ponteiros{{jan, 1}, {jan, 2}, {fev, 1}}));
+}
