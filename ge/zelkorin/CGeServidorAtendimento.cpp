@@ -190,8 +190,10 @@ HRESULT CGeServidorAtendimento::ValidaAtendimentoPs(const _REG_ATENDIMENTO_PS& a
 
 // ---- reading ----------------------------------------------------------------
 
-HRESULT CGeServidorAtendimento::LeAtendimento(std::uint16_t iMA, std::uint32_t lPosicao,
-                                              _REG_ATENDIMENTO_PS* RegAtendimento) {
+// The two wire reads: the call at (iMA, lPosicao), with its whole tree or
+// the record only. On failure the record is handed back empty.
+HRESULT CGeServidorAtendimento::LeAtendimentoPs(std::uint16_t iMA, std::uint32_t lPosicao,
+                                                _REG_ATENDIMENTO_PS* RegAtendimento, bool bCompleto) {
   ZeraSaida(RegAtendimento);
   if (RegAtendimento == nullptr) QV_RETURN(E_POINTER);
   QV_CHECK(ValidaServidor());
@@ -204,7 +206,7 @@ HRESULT CGeServidorAtendimento::LeAtendimento(std::uint16_t iMA, std::uint32_t l
   QV_CHECK_HR(hr, ValidaPosicao(iMA, lPosicao, pGEAtendimentoDB), E_QVCR_TENTATIVA_LER_POSICAO_ZERO,
               E_QVCR_POSICAO_LEITURA_SUPERIOR_QUANTIDADE_ARQUIVO);
   if (FAILED(hr)) return hr;
-  hr = QV_LOGA(LeAtendimentoArquivo(lPosicao, *RegAtendimento, true, pGEAtendimentoDB));
+  hr = QV_LOGA(LeAtendimentoArquivo(lPosicao, *RegAtendimento, bCompleto, pGEAtendimentoDB));
   if (FAILED(hr)) {
     // What was read so far is the caller's no longer: on failure nothing.
     QVLibera(RegAtendimento);
@@ -213,23 +215,14 @@ HRESULT CGeServidorAtendimento::LeAtendimento(std::uint16_t iMA, std::uint32_t l
   return hr;
 }
 
+HRESULT CGeServidorAtendimento::LeAtendimento(std::uint16_t iMA, std::uint32_t lPosicao,
+                                              _REG_ATENDIMENTO_PS* RegAtendimento) {
+  return LeAtendimentoPs(iMA, lPosicao, RegAtendimento, true);
+}
+
 HRESULT CGeServidorAtendimento::LeAtendimentoLight(std::uint16_t iMA, std::uint32_t lPosicao,
                                                    _REG_ATENDIMENTO_PS* RegAtendimento) {
-  ZeraSaida(RegAtendimento);
-  if (RegAtendimento == nullptr) QV_RETURN(E_POINTER);
-  QV_CHECK(ValidaServidor());
-  HRESULT hr;
-  QV_CHECK_HR(hr, ValidaMes(iMA), E_INVALIDARG);  // its own line names the month
-  if (FAILED(hr)) return hr;
-  CGeServidorAtendimentoDatabase* pGEAtendimentoDB = m_pDataBase;
-  std::lock_guard trava(pGEAtendimentoDB->Trava());
-  QV_CHECK(pGEAtendimentoDB->SelecionaMes(iMA));
-  QV_CHECK_HR(hr, ValidaPosicao(iMA, lPosicao, pGEAtendimentoDB), E_QVCR_TENTATIVA_LER_POSICAO_ZERO,
-              E_QVCR_POSICAO_LEITURA_SUPERIOR_QUANTIDADE_ARQUIVO);
-  if (FAILED(hr)) return hr;
-  hr = QV_LOGA(LeAtendimentoArquivo(lPosicao, *RegAtendimento, false, pGEAtendimentoDB));
-  if (FAILED(hr)) ZeraSaida(RegAtendimento);
-  return hr;
+  return LeAtendimentoPs(iMA, lPosicao, RegAtendimento, false);
 }
 
 HRESULT CGeServidorAtendimento::LePropriedades(_REG_PROPRIEDADES_ATENDIMENTO_PS* RegPropriedadesPs, std::uint32_t) {

@@ -206,6 +206,9 @@ class CGeServidorAtendimento
   [[nodiscard]] HRESULT ValidaMes(std::uint16_t iMA) const;
   [[nodiscard]] HRESULT ValidaAtendimentoPs(const _REG_ATENDIMENTO_PS& atendimento) const;
   // A call of the current month's call file (iMA names it for the line).
+  // LeAtendimento (bCompleto) and LeAtendimentoLight.
+  [[nodiscard]] HRESULT LeAtendimentoPs(std::uint16_t iMA, std::uint32_t lPosicao,
+                                        _REG_ATENDIMENTO_PS* RegAtendimento, bool bCompleto);
   [[nodiscard]] HRESULT ValidaPosicao(std::uint16_t iMA, std::uint32_t lPosicao,
                                       CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
   // The settings record and the second client's label, stored.
