@@ -25,6 +25,15 @@ HRESULT CQVDataBase::FechaArquivos() {
   return hrPrimeiro;
 }
 
+HRESULT CQVDataBase::LiberaArquivos() {
+  HRESULT hrPrimeiro = S_OK;
+  for (auto& file : m_Arquivos) {
+    const HRESULT hr = QV_LOGA(file.second->LiberaGravacao());
+    if (FAILED(hr) && SUCCEEDED(hrPrimeiro)) hrPrimeiro = hr;
+  }
+  return hrPrimeiro;
+}
+
 HRESULT CQVDataBase::OnFinaliza() {
   const HRESULT hrArquivos = FechaArquivos();
   const HRESULT hr = QV_LOGA(CQVInicializador::OnFinaliza());

@@ -26,4 +26,8 @@ class IQVFileBase : public CQVInicializador {
   // The directory that replaces the company's data directory for this file
   // ("" = the company's directory of the module).
   virtual std::string GetDiretorio() const = 0;
+  // Lets other processes write the file: what this process wrote is flushed
+  // (header included) and the file closed, memory kept. The next read looks
+  // at the disk first; the next write opens the file again.
+  [[nodiscard]] virtual HRESULT LiberaGravacao() { return S_OK; }
 };

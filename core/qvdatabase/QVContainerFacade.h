@@ -22,6 +22,7 @@
 #include "df/qvlibex/QVLog.h"
 #include "df/qvlibex/QVProfilerEmpresa.h"
 #include "platform/QVCodePage.h"
+#include "platform/QVSystemInfo.h"
 
 template <class DB>
 class CQVContainerFacade {
@@ -36,6 +37,7 @@ class CQVContainerFacade {
   [[nodiscard]] HRESULT Inicializa(const std::string& sEmpresa, std::uint16_t usUsuario, std::uint32_t ulNumeroSessao,
                                    DB*& pDataBase, std::uint32_t eModulo) {
     std::lock_guard lock(m_mutex);
+    EsqueceHerdados();
     Entrada& e = m_Bancos[Chave(sEmpresa, eModulo)];
     if (!e.pDataBase) {
       auto pNovo = std::make_unique<DB>();
@@ -107,7 +109,20 @@ class CQVContainerFacade {
     return QVMaiusculasCodePage(sEmpresa) + "|" + std::to_string(eModulo);
   }
 
+  // A child made by fork inherits its parent's databases, whose open files
+  // are the parent's open descriptions (and sharing locks): it must neither
+  // write through them nor flush or close them as its own. They are left
+  // to the parent, never finalised here, and the child opens its own.
+  void EsqueceHerdados() {
+    const std::uint32_t uiProcesso = QVCurrentProcessId();
+    if (uiProcesso == m_uiProcesso) return;
+    for (auto& it : m_Bancos) static_cast<void>(it.second.pDataBase.release());
+    m_Bancos.clear();
+    m_uiProcesso = uiProcesso;
+  }
+
   mutable std::mutex m_mutex;
+  std::uint32_t m_uiProcesso = QVCurrentProcessId();
   std::map<std::string, Entrada> m_Bancos;
   std::set<std::string> m_Convertidos;
 };

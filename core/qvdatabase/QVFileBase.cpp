@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <cstring>
 #include <vector>
 
@@ -769,6 +770,14 @@ HRESULT CQVFileBase::DiscoMudou(bool* pbMudou) {
     QV_CHECK_ARQ(GetPathArquivo(&sPath));
     QV_CHECK_ARQ(QVGetFileIdentity(sPath, &id), {"sPathArquivo", sPath});
     *pbMudou = id != m_Retrato;
+    if (*pbMudou || !id.bExists || !AlteradoHaPouco(id)) return S_OK;
+    // The same identity, but changed within a tick of the file system's
+    // clock: an in-place write of another process in that tick would leave
+    // it as it was. The header's counters, which every write moves, tell.
+    std::uint64_t uiContador = 0;
+    std::uint16_t usVoltas = 0;
+    QV_CHECK_ARQ(LeContadoresSemReter(&uiContador, &usVoltas));
+    *pbMudou = uiContador != m_uiRetratoContador || usVoltas != m_usRetratoVoltas;
     return S_OK;
   }
   // An open file cannot be replaced (no rename over an open file), only
@@ -778,6 +787,43 @@ HRESULT CQVFileBase::DiscoMudou(bool* pbMudou) {
   std::uint16_t usVoltas = 0;
   QV_CHECK_ARQ(LeContadores(&uiContador, &usVoltas));
   *pbMudou = id != m_Retrato || uiContador != m_uiRetratoContador || usVoltas != m_usRetratoVoltas;
+  return S_OK;
+}
+
+bool CQVFileBase::AlteradoHaPouco(const QVFileIdentity& id) {
+  // Wider than any file system's clock tick for a file's time of change.
+  constexpr std::int64_t kMargemRelogioNs = 2'000'000'000;
+  const std::int64_t iAgoraNs =
+      std::chrono::duration_cast<std::chrono::nanoseconds>(std::chrono::system_clock::now().time_since_epoch())
+          .count();
+  return iAgoraNs - id.iModifiedNs <= kMargemRelogioNs;
+}
+
+HRESULT CQVFileBase::LeContadoresSemReter(std::uint64_t* puiContador, std::uint16_t* pusVoltas) {
+  const EQVDataBase_ModoAbertura eUltimo = m_eUltimoModo;
+  HRESULT hr = AbreArquivo(EQVDataBase_ModoAbertura::eModoLeitura);
+  if (FAILED(hr)) {
+    LogaFalha(__func__, __LINE__, "AbreArquivo(EQVDataBase_ModoAbertura::eModoLeitura)", hr);
+  } else if (ArquivoAberto()) {
+    // Under the shared content lock: not in the middle of a write.
+    hr = TravaConteudo(false);
+    if (SUCCEEDED(hr)) {
+      hr = LeContadores(puiContador, pusVoltas);
+      LiberaConteudo();
+    }
+    if (FAILED(hr)) LogaFalha(__func__, __LINE__, "LeContadores(puiContador, pusVoltas)", hr);
+  }
+  FechaArquivo();
+  m_eUltimoModo = eUltimo;
+  return hr;
+}
+
+HRESULT CQVFileBase::ConfereDisco(bool* pbAtual) {
+  *pbAtual = true;
+  if (m_bRetratoGarantido) return S_OK;
+  bool bMudou = false;
+  QV_CHECK_ARQ(DiscoMudou(&bMudou));
+  *pbAtual = !bMudou;
   return S_OK;
 }
 
@@ -795,13 +841,14 @@ HRESULT CQVFileBase::LeDoDisco() {
   if (SUCCEEDED(hr)) hr = TamanhoDados(&uiTamanho);
   if (SUCCEEDED(hr)) hr = LeConteudo(ArquivoAberto(), uiTamanho);
   if (SUCCEEDED(hr)) hr = TiraRetrato();
+  if (SUCCEEDED(hr)) m_uiEpocaVerificada = EpocaLeitura();
   if (bPartilhado) LiberaConteudo();
   if (FAILED(hr)) LogaFalha(__func__, __LINE__, "LeConteudo(ArquivoAberto(), uiTamanho)", hr);
   return hr;
 }
 
 HRESULT CQVFileBase::Carrega() {
-  if (m_bCargaSemReter) {
+  if (m_bCargaSemReter || (m_pDataBase != nullptr && !m_pDataBase->GetRetemArquivos())) {
     QV_CHECK_ARQ(CarregaSemReter());
     return S_OK;
   }
@@ -824,8 +871,20 @@ HRESULT CQVFileBase::CarregaSemReter() {
   return hr;
 }
 
+std::uint64_t CQVFileBase::EpocaLeitura() const {
+  return m_pDataBase != nullptr ? m_pDataBase->GetEpocaLeitura() : 0;
+}
+
 HRESULT CQVFileBase::SincronizaLeitura() {
   if (!EstaInicializado() || m_bRetratoGarantido || FAILED(m_hrDuvida)) return S_OK;
+  const std::uint64_t uiEpoca = EpocaLeitura();
+  if (uiEpoca != 0 && uiEpoca == m_uiEpocaVerificada) return S_OK;
+  QV_CHECK_ARQ(VerificaDisco());
+  m_uiEpocaVerificada = uiEpoca;
+  return S_OK;
+}
+
+HRESULT CQVFileBase::VerificaDisco() {
   if (ArquivoAberto() && QVModoGravacao(m_eOpenMode)) {
     QV_CHECK_ARQ(SincronizaGravacao());
     return S_OK;
@@ -843,6 +902,17 @@ HRESULT CQVFileBase::SincronizaLeitura() {
   // of another process's writer).
   QV_CHECK_ARQ(CarregaSemReter());
   return S_OK;
+}
+
+HRESULT CQVFileBase::LiberaGravacao() {
+  if (!ArquivoAberto() || !QVModoGravacao(m_eOpenMode)) return S_OK;
+  // The flush takes the snapshot of what this process wrote, which the
+  // close keeps: the next look at the disk finds it unchanged unless
+  // another process wrote since.
+  const HRESULT hr = Flush(true);
+  FechaArquivo();
+  if (FAILED(hr)) LogaFalha(__func__, __LINE__, "Flush(true)", hr);
+  return hr;
 }
 
 HRESULT CQVFileBase::SincronizaGravacao(bool* pbRecarregado) {

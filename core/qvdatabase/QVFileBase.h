@@ -129,6 +129,15 @@ class CQVFileBase : public IQVFileBase {
   // for writing (a month file that a read found on disk): it is held from
   // its first write on.
   void SetCargaSemReter(bool b) { m_bCargaSemReter = b; }
+  [[nodiscard]] HRESULT LiberaGravacao() override;
+  // Whether the disk still holds what memory reflects (nothing written by
+  // another process since this one last read or wrote it); free for a file
+  // held for writing.
+  [[nodiscard]] HRESULT ConfereDisco(bool* pbAtual);
+  // The header counters of the disk as memory reflects it (0 without a
+  // header).
+  std::uint64_t GetContadorRetrato() const { return m_uiRetratoContador; }
+  std::uint16_t GetVoltasRetrato() const { return m_usRetratoVoltas; }
 
   [[nodiscard]] HRESULT GetPathArquivo(std::string* pPath) const;
   EQVDataBase_ModoAbertura GetModoAbertura() const { return m_eOpenMode; }
@@ -225,6 +234,12 @@ class CQVFileBase : public IQVFileBase {
   [[nodiscard]] HRESULT LeDoDisco();
   [[nodiscard]] HRESULT CarregaSemReter();
   [[nodiscard]] HRESULT TiraRetrato();
+  static bool AlteradoHaPouco(const QVFileIdentity& id);
+  // The header counters of the file on disk, opened for reading and closed.
+  [[nodiscard]] HRESULT LeContadoresSemReter(std::uint64_t* puiContador, std::uint16_t* pusVoltas);
+  // SincronizaLeitura's look at the disk, whatever the epoch.
+  [[nodiscard]] HRESULT VerificaDisco();
+  std::uint64_t EpocaLeitura() const;
   [[nodiscard]] HRESULT DiscoMudou(bool* pbMudou);
   [[nodiscard]] HRESULT LeContadores(std::uint64_t* puiContador, std::uint16_t* pusVoltas);
   [[nodiscard]] HRESULT TravaConteudo(bool bExclusiva);
@@ -259,6 +274,9 @@ class CQVFileBase : public IQVFileBase {
   std::uint16_t m_usRetratoVoltas = 0;
   // Taken with the file open for writing, which has stayed open since.
   bool m_bRetratoGarantido = false;
+  // The database's reading epoch in which memory was last checked against
+  // (or read from) the disk; 0 = never.
+  std::uint64_t m_uiEpocaVerificada = 0;
 };
 
 // The cause names the log uses for a file failure ("eSharingViolation"...).

@@ -56,6 +56,11 @@ class CQVFileRegistros : public CQVFileBase {
   ~CQVFileRegistros() override;
 
   QVUInt GetQtdRegistros() override;
+  // Under this file's lock: no read of another thread meets it half closed.
+  [[nodiscard]] HRESULT LiberaGravacao() override {
+    std::lock_guard lock(m_mutex);
+    return CQVFileBase::LiberaGravacao();
+  }
   std::string GetNomeEstrutura() const override { return m_sNomeEstrutura; }
   std::size_t GetTamanhoRegistro() const { return m_tamRegistro; }
 

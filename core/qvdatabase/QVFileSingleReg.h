@@ -23,6 +23,11 @@ class CQVFileSingleRegBase : public CQVFileBase {
 
   // 1 when the file exists, else 0.
   QVUInt GetQtdRegistros() override;
+  // Under this file's lock: no read of another thread meets it half closed.
+  [[nodiscard]] HRESULT LiberaGravacao() override {
+    std::lock_guard lock(m_mutex);
+    return CQVFileBase::LiberaGravacao();
+  }
   std::string GetNomeEstrutura() const override { return m_sNomeEstrutura; }
 
   [[nodiscard]] HRESULT LeRegistro(void* pRegistro);

@@ -184,6 +184,19 @@ HRESULT CQVGroupFileBase::DesabilitaControleCriacaoArquivos() {
   return S_OK;
 }
 
+HRESULT CQVGroupFileBase::LiberaGravacao() {
+  std::lock_guard lock(m_mutex);
+  HRESULT hrPrimeiro = S_OK;
+  for (auto& it : m_Membros) {
+    const HRESULT hr = it.second->LiberaGravacao();
+    if (FAILED(hr)) {
+      LogaFalha(__func__, __LINE__, "it.second->LiberaGravacao()", hr, {{"uiChaveNomeArquivo", std::to_string(it.first)}});
+      if (SUCCEEDED(hrPrimeiro)) hrPrimeiro = hr;
+    }
+  }
+  return hrPrimeiro;
+}
+
 std::vector<std::uint64_t> CQVGroupFileBase::GetChaves() {
   std::lock_guard lock(m_mutex);
   static_cast<void>(IncluiMembrosDoDiretorio(false));

@@ -43,6 +43,8 @@ class CQVGroupFileBase : public CQVFileBase {
   // Deletes every member's file.
   [[nodiscard]] HRESULT DeletaArquivo() override;
   [[nodiscard]] HRESULT DesabilitaControleCriacaoArquivos() override;
+  // Every member's; each is let go even when one fails.
+  [[nodiscard]] HRESULT LiberaGravacao() override;
 
   std::vector<std::uint64_t> GetChaves();
   // The member name of a key, and the key of a member name (0: not a name of

@@ -40,6 +40,11 @@ class CQVTextFile : public CQVFileBase {
   ~CQVTextFile() override;
 
   QVUInt GetQtdRegistros() override;
+  // Under this file's lock: no read of another thread meets it half closed.
+  [[nodiscard]] HRESULT LiberaGravacao() override {
+    std::lock_guard lock(m_mutex);
+    return CQVFileBase::LiberaGravacao();
+  }
   [[nodiscard]] HRESULT Le(QVUInt uiPosicao, std::string* psTexto);
   // uiPosicao is in-out: on return it holds the position the (first) text
   // now has, which the caller stores in its record.

@@ -101,6 +101,9 @@ HRESULT CGeServidorAtendimento::ConverteVersaoAnterior(std::uint16_t usVersao) {
 
 HRESULT CGeServidorAtendimento::ValidaServidor() const {
   if (m_pDataBase == nullptr) QV_RETURN(E_QVCR_SERVIDOR_NAO_INICIALIZADO);
+  // Every wire method starts here: what it reads reflects every write made
+  // before it began, by this process or another.
+  m_pDataBase->NovaEpocaLeitura();
   return S_OK;
 }
 
@@ -265,6 +268,8 @@ HRESULT CGeServidorAtendimento::GravaAtendimento(std::uint16_t iMA, std::uint32_
   // Released by its destructor on every way out.
   CQVDatabaseMarca DBFactory(pGEAtendimentoDB->GetNucleoMarcas(), this, sDiretorio, "GE");
   QV_CHECK(DBFactory.Marca(MARCA_ATENDIMENTO));
+  // Declared after the mark: the files are let go before it is.
+  CQVLiberacaoArquivos liberacao(*pGEAtendimentoDB);
   QV_CHECK(pGEAtendimentoDB->SelecionaMes(iMA));
 
   // The call stored now, whole: its positions are the ones reused, and a
@@ -339,6 +344,7 @@ HRESULT CGeServidorAtendimento::GravaAtendimento(std::uint16_t iMA, std::uint32_
   QV_CHECK(AtualizaNovoNumeroSugestao(lNumeroAtendimento, pGEAtendimentoDB));
   QV_CHECK(InsereServicoAcompanhamentoIntegrado(atendimento, REG_QVDMC().SetDMC(*lPosicaoGravada, iMA),
                                                 pGEAtendimentoDB));
+  QV_CHECK(liberacao.Libera());
   QV_CHECK(DBFactory.Desmarca(MARCA_ATENDIMENTO));
   return S_OK;
 }
@@ -371,7 +377,9 @@ HRESULT CGeServidorAtendimento::GravaPropriedades(const _REG_PROPRIEDADES_ATENDI
   QV_CHECK(pGEAtendimentoDB->GetDiretorioDados(&sDiretorio));
   CQVDatabaseMarca DBFactory(pGEAtendimentoDB->GetNucleoMarcas(), this, sDiretorio, "GE");
   QV_CHECK(DBFactory.Marca(MARCA_ATENDIMENTO));
+  CQVLiberacaoArquivos liberacao(*pGEAtendimentoDB);
   QV_CHECK(GravaPropriedadesArquivo(RegPropriedadesPs, pGEAtendimentoDB));
+  QV_CHECK(liberacao.Libera());
   QV_CHECK(DBFactory.Desmarca(MARCA_ATENDIMENTO));
   CLogTransacoesHelper logHelper;
   QV_CHECK(logHelper.Inicializa(this));

@@ -79,6 +79,8 @@ CQVDataBase* CQVTestePasta::Banco() {
   auto& db = m_DBs.emplace_back(std::make_unique<CQVDataBase>(QV_GE));
   db->SetDiretorio(m_Dir);
   db->SetSomenteLeitura(m_bSomenteLeitura);
+  db->SetRetemArquivos(!m_bLiberaArquivos);
+  if (m_bLiberaArquivos) db->NovaEpocaLeitura();
   if (FAILED(db->Inicializa(&QVTesteIdentidade()))) std::abort();
   return db.get();
 }

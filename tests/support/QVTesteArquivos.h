@@ -63,8 +63,10 @@ std::string QVTesteHrNoLog(HRESULT hr);
 // of the last initialisation.
 class CQVTestePasta {
  public:
-  explicit CQVTestePasta(std::string dir, bool bSomenteLeitura = false)
-      : m_Dir(std::move(dir)), m_bSomenteLeitura(bSomenteLeitura) {}
+  // bLiberaArquivos: the files load without being held, and reads look at
+  // the disk once per reading epoch (several server processes).
+  explicit CQVTestePasta(std::string dir, bool bSomenteLeitura = false, bool bLiberaArquivos = false)
+      : m_Dir(std::move(dir)), m_bSomenteLeitura(bSomenteLeitura), m_bLiberaArquivos(bLiberaArquivos) {}
   std::string Caminho(const std::string& nome) const { return m_Dir + "/" + nome; }
 
   // Records of REG_TESTE, lCodigo a unique key never zero (column 0).
@@ -77,6 +79,8 @@ class CQVTestePasta {
   std::vector<std::string> ListaDoControle();
 
   HRESULT m_hr = S_OK;
+  // The database of the file made last.
+  CQVDataBase& UltimoBanco() { return *m_DBs.back(); }
 
  private:
   CQVDataBase* Banco();
@@ -87,5 +91,6 @@ class CQVTestePasta {
   }
   std::string m_Dir;
   bool m_bSomenteLeitura;
+  bool m_bLiberaArquivos;
   std::vector<std::unique_ptr<CQVDataBase>> m_DBs;
 };

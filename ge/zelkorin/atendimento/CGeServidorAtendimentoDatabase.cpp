@@ -8,6 +8,11 @@
 #include "platform/QVOsFile.h"
 
 CGeServidorAtendimentoDatabase::CGeServidorAtendimentoDatabase() : CQVDataBase(QV_GE) {
+  // Several server processes may serve one company: a file is held for
+  // writing only by a write under the mark, and every operation looks at
+  // the disk once per file it reads (see CGeServidorAtendimento).
+  SetRetemArquivos(false);
+  NovaEpocaLeitura();
   // The month of today until a call selects another: the first open loads
   // the month most clients work in.
   m_iMA = QVMesAnoDoDia(QVHoje());

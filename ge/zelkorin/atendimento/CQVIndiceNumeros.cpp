@@ -110,28 +110,33 @@ HRESULT CQVIndiceNumeros::Identidade(CGeServidorAtendimentoDatabase* pGEAtendime
 }
 
 // Counters tell every write only with headers kept, and updated at every
-// flush (not deferred to the close).
+// flush (not deferred to the close); a file with a header that was ever
+// written has counted at least one update.
 static bool Retido(CGeServidorAtendimentoDatabase* pGEAtendimentoDB, std::uint16_t iMA) {
   auto& arquivo = pGEAtendimentoDB->m_ArqAtendimento;
   return pGEAtendimentoDB->GetMa().iMA == iMA && arquivo.GetPeriodo() == iMA &&
-         QVModoGravacao(arquivo.GetModoAbertura()) && !pGEAtendimentoDB->GetAtualizacaoCabecalhoAdiada() &&
-         arquivo.GerenciarCabecalho() && arquivo.PossuiCabecalho();
+         !pGEAtendimentoDB->GetAtualizacaoCabecalhoAdiada() && arquivo.GerenciarCabecalho() &&
+         (arquivo.GetContadorRetrato() != 0 || arquivo.GetVoltasRetrato() != 0);
 }
 
 void CQVIndiceNumeros::MarcaRetido(CGeServidorAtendimentoDatabase* pGEAtendimentoDB, std::uint16_t iMA, Mes& mes) {
+  auto& arquivo = pGEAtendimentoDB->m_ArqAtendimento;
   mes.bRetido = Retido(pGEAtendimentoDB, iMA);
-  const QVCabecalhoArquivo& c = pGEAtendimentoDB->m_ArqAtendimento.GetCabecalho();
-  mes.uiContador = mes.bRetido ? c.uiContadorAtualizacoes : 0;
-  mes.usVoltas = mes.bRetido ? c.usContadorVoltas : 0;
+  mes.uiContador = mes.bRetido ? arquivo.GetContadorRetrato() : 0;
+  mes.usVoltas = mes.bRetido ? arquivo.GetVoltasRetrato() : 0;
 }
 
 bool CQVIndiceNumeros::RetidoSemMudanca(CGeServidorAtendimentoDatabase* pGEAtendimentoDB, std::uint16_t iMA,
                                         const Mes& mes) {
   if (!mes.bRetido || !Retido(pGEAtendimentoDB, iMA)) return false;
   auto& arquivo = pGEAtendimentoDB->m_ArqAtendimento;
-  const QVCabecalhoArquivo& c = arquivo.GetCabecalho();
-  return c.uiContadorAtualizacoes == mes.uiContador && c.usContadorVoltas == mes.usVoltas &&
-         arquivo.GetQtdRegistros() == mes.numeros.size();
+  if (arquivo.GetContadorRetrato() != mes.uiContador || arquivo.GetVoltasRetrato() != mes.usVoltas ||
+      arquivo.GetQtdRegistros() != mes.numeros.size())
+    return false;
+  // Free while the database holds the file; else one look at the disk. A
+  // failure to look (logged) reads the month again.
+  bool bAtual = false;
+  return SUCCEEDED(QV_LOGA(arquivo.ConfereDisco(&bAtual))) && bAtual;
 }
 
 HRESULT CQVIndiceNumeros::LeMes(const IQVDF_Profiler* pPerfil, CGeServidorAtendimentoDatabase* pGEAtendimentoDB,
@@ -155,6 +160,8 @@ HRESULT CQVIndiceNumeros::LeMes(const IQVDF_Profiler* pPerfil, CGeServidorAtendi
   }
   CQVDataBase qvDB(QV_GE);
   qvDB.SetSomenteLeitura(true);
+  // One reading: the file looks at the disk once, not at every record.
+  qvDB.NovaEpocaLeitura();
   qvDB.SetDiretorio(pGEAtendimentoDB->GetDiretorio());
   QV_CHECK(qvDB.Inicializa(pPerfil));
   CGeServidorAtendimentoDatabase::ArquivoMensal<REG_ATENDIMENTO_V2> arqMes(pGEAtendimentoDB->m_ArqAtendimento.GetRaiz(),

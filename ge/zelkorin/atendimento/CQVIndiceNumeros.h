@@ -100,8 +100,8 @@ class CQVIndiceNumeros {
   struct Mes {
     QVFileIdentity identidade;
     bool bConfiavel = false;  // seen 2 s or more after its last change
-    // Read from (or written through) a database that held the file for
-    // writing, whose header then had these counters.
+    // Read from (or written through) the memory of a database whose
+    // current month it was, reflecting the disk with these header counters.
     bool bRetido = false;
     std::uint64_t uiContador = 0;
     std::uint16_t usVoltas = 0;
@@ -114,8 +114,9 @@ class CQVIndiceNumeros {
   [[nodiscard]] HRESULT MesesDaPasta(CGeServidorAtendimentoDatabase* pGEAtendimentoDB);
   [[nodiscard]] HRESULT Identidade(CGeServidorAtendimentoDatabase* pGEAtendimentoDB, std::uint16_t iMA,
                                    QVFileIdentity* pIdentidade, bool* pbConfiavel) const;
-  // Records in mes whether pGEAtendimentoDB holds the month's file, and its
-  // header's counters; whether it still holds it with those counters.
+  // Records in mes whether the month is pGEAtendimentoDB's current one, and
+  // the counters its memory reflects; whether it still is, with those
+  // counters, and the disk still holds what its memory reflects.
   static void MarcaRetido(CGeServidorAtendimentoDatabase* pGEAtendimentoDB, std::uint16_t iMA, Mes& mes);
   static bool RetidoSemMudanca(CGeServidorAtendimentoDatabase* pGEAtendimentoDB, std::uint16_t iMA, const Mes& mes);
   [[nodiscard]] HRESULT LeMes(const IQVDF_Profiler* pPerfil, CGeServidorAtendimentoDatabase* pGEAtendimentoDB,

@@ -3,6 +3,7 @@
 // is lost; a reader never sees half a write; a compaction killed anywhere
 // leaves a file that opens with every acknowledged text.
 #include <chrono>
+#include <filesystem>
 #include <random>
 #include <thread>
 
@@ -75,6 +76,43 @@ TEST_F(QVEntreProcessosTest, RegistrosDoOutroProcessoSaoVistosAntesDeLerEDeGrava
   EXPECT_EQ(r->GetRegistro(4)->lCodigo, 9u);
   ASSERT_EQ(outro.Pede(-5), S_OK);
   EXPECT_STREQ(r->GetRegistro(1)->szNome, "reescrito");
+}
+
+// Files let go after each write (several server processes on a company):
+// the two processes write in turn, neither refused once the other let go,
+// and each reading epoch sees the other's writes, an in-place rewrite that
+// leaves length and time of change as they were included.
+TEST_F(QVEntreProcessosTest, ArquivosLiberadosGravadosPelosDoisProcessos) {
+  CQVProcessoFilho outro([dir = m_Dir](std::int32_t codigo) {
+    CProcesso b(dir);
+    auto f = b.Registros();
+    const std::string sCaminho = b.Caminho("GEATRPS.dat");
+    const auto quando = std::filesystem::last_write_time(sCaminho);
+    QVUInt pos = codigo < 0 ? 1 : 0;
+    const HRESULT hr = f->Grava(pos, QVTesteRegistro(codigo < 0 ? -codigo : codigo, 0, codigo < 0 ? "reescrito" : ""));
+    f.reset();
+    if (codigo < 0) std::filesystem::last_write_time(sCaminho, quando);
+    return static_cast<std::int32_t>(hr);
+  });
+  CProcesso a(m_Dir, false, true);
+  auto f = a.Registros();
+  CQVDataBase& db = a.UltimoBanco();
+  ASSERT_EQ(QVTesteAcrescenta(*f, {1}), S_OK);
+  EXPECT_EQ(outro.Pede(2), kOcupado);  // held from its write until let go
+  ASSERT_EQ(f->LiberaGravacao(), S_OK);
+  ASSERT_EQ(outro.Pede(2), S_OK);
+  db.NovaEpocaLeitura();
+  EXPECT_EQ(f->GetQtdRegistros(), 2u);
+  ASSERT_EQ(outro.Pede(-1), S_OK);
+  EXPECT_STREQ(f->GetRegistro(1)->szNome, "");  // this epoch already looked
+  db.NovaEpocaLeitura();
+  EXPECT_STREQ(f->GetRegistro(1)->szNome, "reescrito");
+  EXPECT_EQ(QVTesteAcrescenta(*f, {2}), E_QVCR_CHAVE_DE_INDEXACAO_REPETIDA);
+  ASSERT_EQ(QVTesteAcrescenta(*f, {3}), S_OK);
+  ASSERT_EQ(f->LiberaGravacao(), S_OK);
+  ASSERT_EQ(outro.Pede(4), S_OK);
+  f.reset();
+  EXPECT_EQ(a.Codigos(), (std::vector<std::uint32_t>{1, 2, 3, 4}));
 }
 
 TEST_F(QVEntreProcessosTest, TextosDoOutroProcessoNaoSaoSobrescritos) {

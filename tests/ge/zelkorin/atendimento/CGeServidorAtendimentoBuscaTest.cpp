@@ -472,13 +472,9 @@ TEST(Busca, EntradaRuimEFalhasDuranteABusca) {
 }
 
 // Calls saved by another server process are found by this one's search:
-// before this process opened the company, and while it has it open.
-// Disabled: it fails. The second January call is not seen while this
-// process holds January from its first search: the file is open here in a
-// write mode, whose memory is trusted as no other writer could come in,
-// yet the other process's save came in. To be mended in the record store
-// (the sharing of a held month file), then enabled.
-TEST(Busca, DISABLED_ChamadoGravadoEmOutroProcessoEEncontrado) {
+// before this process opened the company, and while it has it open (the
+// month of the first search included). This process then saves there too.
+TEST(Busca, ChamadoGravadoEmOutroProcessoEEncontrado) {
   CadastraMestres("BUSCA PROCESSOS");
   const std::uint16_t jan = QVMesAno(2024, 1), fev = jan + 1;
   const auto gravaNoutroProcesso = [&](std::uint32_t lNumero, std::uint16_t iMA) {
@@ -503,4 +499,15 @@ TEST(Busca, DISABLED_ChamadoGravadoEmOutroProcessoEEncontrado) {
   gravaNoutroProcesso(3, fev);
   ASSERT_EQ(Pesquisa(srv.s, f, &ponteiros), S_OK);
   EXPECT_EQ(ponteiros, (Ponteiros{{jan, 1}, {jan, 2}, {fev, 1}}));
+  // Numbered past the other process's calls, and seen by it in turn.
+  Chamado meu(0, QVDia(2024, 1, 20));
+  EXPECT_EQ(Grava(srv.s, jan, meu.r.reg), 3u);
+  gravaNoutroProcesso(0, jan);
+  ASSERT_EQ(Pesquisa(srv.s, f, &ponteiros), S_OK);
+  EXPECT_EQ(ponteiros, (Ponteiros{{jan, 1}, {jan, 2}, {jan, 3}, {jan, 4}, {fev, 1}}));
+  CQVRegistroPs<_REG_ATENDIMENTO_PS> lido;
+  for (const auto& [lPosicao, lNumero] : {std::pair{3u, 4u}, {4u, 5u}}) {
+    ASSERT_EQ(srv.s.LeAtendimentoLight(jan, lPosicao, &lido.reg), S_OK);
+    EXPECT_EQ(lido.reg.lNumeroAtendimento, lNumero);
+  }
 }
