@@ -292,6 +292,7 @@ void CQVFileBase::FechaArquivo() {
   m_bSujo = false;
   m_bTravaExclusiva = false;
   m_bRetratoGarantido = false;
+  m_uiLimiteDados = kSemLimiteDados;
   m_eOpenMode = EQVDataBase_ModoAbertura::eModoFechado;
   m_bCabecalhoExaminado = false;
   m_bPossuiCabecalho = false;
@@ -349,6 +350,24 @@ HRESULT CQVFileBase::ValidaCabecalhoV01() {
   if (c.uiVerificacaoCabecalho != QVCrc64(&c, kQVBytesCrcCabecalho)) QV_RETURN_ARQ(E_QVCR_CRC_CABECALHO_NAO_CONFERE);
   QVUInt uiTamanho = 0;
   QV_CHECK_ARQ(TamanhoArquivo(&uiTamanho));
+  m_uiLimiteDados = kSemLimiteDados;
+  const bool bAdiado = m_pDataBase != nullptr && m_pDataBase->GetAtualizacaoCabecalhoAdiada();
+  if (uiTamanho >= kQVTamanhoBlocoCabecalho && c.uiTamanhoDados < uiTamanho - kQVTamanhoBlocoCabecalho && !bAdiado) {
+    // Bytes past the header's length are those of a write whose process
+    // died before the flush that ends every write: a live writer holds the
+    // content lock from its first byte to that flush, and this open either
+    // holds the file for writing or judges it under the shared lock. They
+    // were never acknowledged. An open for writing cuts them off; a
+    // read-only one reads up to the header's length. (Headers deferred to
+    // the close lag behind the data by design: no such reading there.)
+    if (QVModoGravacao(m_eOpenMode)) {
+      QV_CHECK_ARQ(DescartaEscritaInacabada(c.uiTamanhoDados, uiTamanho));
+      uiTamanho = kQVTamanhoBlocoCabecalho + c.uiTamanhoDados;
+    } else {
+      m_uiLimiteDados = c.uiTamanhoDados;
+      uiTamanho = kQVTamanhoBlocoCabecalho + c.uiTamanhoDados;
+    }
+  }
   if (uiTamanho < kQVTamanhoBlocoCabecalho || c.uiTamanhoDados != uiTamanho - kQVTamanhoBlocoCabecalho)
     QV_RETURN_ARQ(E_QVCR_TAMANHO_ARQUIVO_NAO_CONFERE, {"uiTamanhoDados", std::to_string(c.uiTamanhoDados)},
                   {"GetLength", std::to_string(uiTamanho)});
@@ -697,11 +716,38 @@ HRESULT CQVFileBase::GravaDados(QVUInt uiOffset, const void* pBuffer, std::size_
   return S_OK;
 }
 
-HRESULT CQVFileBase::TamanhoDados(QVUInt* puiTamanho) {
+HRESULT CQVFileBase::TamanhoDadosSemLimite(QVUInt* puiTamanho) {
   QVUInt u = 0;
   QV_CHECK_ARQ(TamanhoArquivo(&u));
   const QVUInt uiSeek = GetSeekCabecalho();
   *puiTamanho = u > uiSeek ? u - uiSeek : 0;
+  return S_OK;
+}
+
+HRESULT CQVFileBase::TamanhoDados(QVUInt* puiTamanho) {
+  QV_CHECK_ARQ(TamanhoDadosSemLimite(puiTamanho));
+  if (m_uiLimiteDados != kSemLimiteDados && !QVModoGravacao(m_eOpenMode))
+    *puiTamanho = std::min(*puiTamanho, m_uiLimiteDados);
+  return S_OK;
+}
+
+HRESULT CQVFileBase::DescartaEscritaInacabada(QVUInt uiTamanhoDados, QVUInt uiTamanhoArquivo) {
+  QV_CHECK_ARQ(TravaConteudo(true));
+  const bool bCortado =
+      m_pArquivo->SetLength(kQVTamanhoBlocoCabecalho + uiTamanhoDados) && m_pArquivo->Flush();
+  const CFileException ex = ExcecaoDoArquivo(CFileException::hardIO);
+  LiberaConteudo();
+  if (!bCortado) {
+    const HRESULT hr = CatchGravacao(ex);
+    LogaFalha(__func__, __LINE__, "m_pArquivo->SetLength(kQVTamanhoBlocoCabecalho + uiTamanhoDados)", hr);
+    return hr;
+  }
+  // Not a failure, but the administrator's trace of a crash.
+  QVEscreveLinhaErroTexto(QVSinkAtual(), NomeClasseLog() + "::" + __func__, FonteLog(), __LINE__,
+                          "Bytes de uma gravação inacabada (processo encerrado antes de concluí-la) descartados",
+                          {{"m_sNomeArquivo", m_sNomeArquivo},
+                           {"uiTamanhoDados", std::to_string(uiTamanhoDados)},
+                           {"GetLength", std::to_string(uiTamanhoArquivo)}});
   return S_OK;
 }
 

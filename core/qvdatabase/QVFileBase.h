@@ -175,6 +175,9 @@ class CQVFileBase : public IQVFileBase {
   static constexpr QVUInt kQVFimDados = ~QVUInt{0};
   [[nodiscard]] HRESULT GravaDados(QVUInt uiOffset, const void* pBuffer, std::size_t n, QVUInt* puiOffset = nullptr);
   [[nodiscard]] HRESULT TamanhoDados(QVUInt* puiTamanho);
+  // The file's data bytes, an unfinished write past the header's length
+  // included.
+  [[nodiscard]] HRESULT TamanhoDadosSemLimite(QVUInt* puiTamanho);
   [[nodiscard]] HRESULT TruncaDados(QVUInt uiTamanho);
   // The load of a derived class: opens the file for reading and writing (an
   // absent file stays closed; see SetCargaSemReter) and reads its content
@@ -237,6 +240,9 @@ class CQVFileBase : public IQVFileBase {
   static bool AlteradoHaPouco(const QVFileIdentity& id);
   // The header counters of the file on disk, opened for reading and closed.
   [[nodiscard]] HRESULT LeContadoresSemReter(std::uint64_t* puiContador, std::uint16_t* pusVoltas);
+  // Cuts off the bytes past the header's data length (a dead writer's
+  // unfinished write), with one log line; the file is open for writing.
+  [[nodiscard]] HRESULT DescartaEscritaInacabada(QVUInt uiTamanhoDados, QVUInt uiTamanhoArquivo);
   // SincronizaLeitura's look at the disk, whatever the epoch.
   [[nodiscard]] HRESULT VerificaDisco();
   std::uint64_t EpocaLeitura() const;
@@ -274,6 +280,10 @@ class CQVFileBase : public IQVFileBase {
   std::uint16_t m_usRetratoVoltas = 0;
   // Taken with the file open for writing, which has stayed open since.
   bool m_bRetratoGarantido = false;
+  // Read-only: the header's data length when the file holds more (a dead
+  // writer's unfinished write past it); kSemLimiteDados otherwise.
+  static constexpr QVUInt kSemLimiteDados = ~QVUInt{0};
+  QVUInt m_uiLimiteDados = kSemLimiteDados;
   // The database's reading epoch in which memory was last checked against
   // (or read from) the disk; 0 = never.
   std::uint64_t m_uiEpocaVerificada = 0;

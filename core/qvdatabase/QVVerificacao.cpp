@@ -19,6 +19,11 @@ class CArquivoVerificado final : public CQVFileBase {
     // Checked whatever the machine switch says: a header that is there must be right.
     if (r->bPossuiCabecalho) QV_CHECK_ARQ(ValidaCabecalho());
     QV_CHECK_ARQ(TamanhoDados(&r->uiTamanhoDados));
+    if (r->bPossuiCabecalho) {
+      QVUInt uiTamanhoArquivo = 0;
+      QV_CHECK_ARQ(TamanhoDadosSemLimite(&uiTamanhoArquivo));
+      r->uiBytesEscritaInacabada = uiTamanhoArquivo - r->uiTamanhoDados;
+    }
     switch (eTipo) {
       case EQVTipoConteudo::Desconhecido:
         break;

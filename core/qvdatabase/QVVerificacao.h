@@ -22,6 +22,9 @@ struct QVResultadoVerificacao {
   bool bPossuiCabecalho = false;
   std::uint64_t uiTamanhoDados = 0;
   std::uint64_t uiQuantidade = 0;  // records or texts, when the kind is known
+  // Bytes past the header's data length: a write whose process died before
+  // completing it, never acknowledged, cut off at the next open for writing.
+  std::uint64_t uiBytesEscritaInacabada = 0;
 };
 
 QVResultadoVerificacao QVVerificaArquivo(const std::string& sCaminho, EQVTipoConteudo eTipo,

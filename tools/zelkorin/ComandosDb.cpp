@@ -237,6 +237,9 @@ std::string Resumo(const ArquivoVerificado& a) {
          " bytes";
   else if (a.eTipo == EQVTipoConteudo::Texto)
     s += "; " + std::to_string(q) + (q == 1 ? " texto" : " textos");
+  if (a.r.uiBytesEscritaInacabada != 0)
+    s += "; aviso: " + std::to_string(a.r.uiBytesEscritaInacabada) +
+         " bytes de uma gravação inacabada após o fim indicado no cabeçalho, descartados na próxima gravação";
   return s + ")";
 }
 
@@ -249,6 +252,7 @@ nlohmann::json ArquivoJson(const ArquivoVerificado& a) {
   j["possuiCabecalho"] = a.r.bPossuiCabecalho;
   j["tamanhoDados"] = a.r.uiTamanhoDados;
   if (a.eTipo != EQVTipoConteudo::Desconhecido) j["quantidade"] = a.r.uiQuantidade;
+  if (a.r.uiBytesEscritaInacabada != 0) j["bytesEscritaInacabada"] = a.r.uiBytesEscritaInacabada;
   if (a.eTipo == EQVTipoConteudo::Registros || a.eTipo == EQVTipoConteudo::RegistroUnico)
     j["tamanhoRegistro"] = a.tamRegistro;
   return j;

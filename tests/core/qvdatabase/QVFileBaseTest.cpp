@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "core/qvdatabase/QVFileCopia.h"
+#include "core/qvdatabase/QVVerificacao.h"
 #include "df/qvlibex/QVCrc64.h"
 #include "platform/QVMachineSettings.h"
 #include "platform/QVSystemInfo.h"
@@ -116,7 +117,7 @@ TEST_F(QVFileBaseTest, CadaFalhaDeValidacaoRecusaEDeixaOArquivoIntacto) {
       {"VERSAO.dat", 0, "\x02", true, E_QVCR_VERSAO_CABECALHO_SUPERIOR_VERSAO_SISTEMA},
       {"TAMCAB.dat", 64, "\xD7", true, E_QVCR_TAMANHO_CABECALHO_NAO_CONFERE},  // header size 215
       {"CRC.dat", 100, "\x06", false, E_QVCR_CRC_CABECALHO_NAO_CONFERE},       // user 6
-      {"APENDICE.dat", bom.size(), "x", true, E_QVCR_TAMANHO_ARQUIVO_NAO_CONFERE},
+      {"CURTO.dat", 73, "\x01", true, E_QVCR_TAMANHO_ARQUIVO_NAO_CONFERE},  // 256 bytes more than there are
       {"CRIACAO.dat", 106, "\x77", true, E_QVCR_VERSAO_SISTEMA_INFERIOR_VERSAO_CRIACAO_CABECALHO},  // 119
       {"MODIFICACAO.dat", 108, "\x77", true, E_QVCR_VERSAO_SISTEMA_INFERIOR_VERSAO_MODIFICACAO_ARQUIVO},
       {"OUTRONOME.dat", 0, "", true, E_QVCR_NOME_ARQUIVO_NAO_CONFERE},  // BOM.dat under another name
@@ -137,6 +138,31 @@ TEST_F(QVFileBaseTest, CadaFalhaDeValidacaoRecusaEDeixaOArquivoIntacto) {
     EXPECT_GE(QVTesteLinhasCom({std::string("m_sNomeArquivo = ") + caso.nome, QVTesteHrNoLog(caso.esperado)}), 2u)
         << caso.nome;
   }
+}
+
+// Bytes past the header's data length (a writer killed between its data
+// and its header) were never acknowledged: a read-only open reads up to the
+// header's length and leaves them, verification reports them, and an open
+// for writing cuts them off with one line naming the file.
+TEST_F(QVFileBaseTest, EscritaInacabadaAposOCabecalhoEhDescartada) {
+  ASSERT_EQ(QVTesteAcrescenta(*CQVTestePasta(m_Dir).Registros("CAUDA.dat"), {1}), S_OK);
+  const std::string bom = QVTesteBytes(Caminho("CAUDA.dat"));
+  QVTesteGravaBytes(Caminho("CAUDA.dat"), bom + std::string(70, 'x'));
+  QVTesteLimpaLog();
+  {
+    CQVTestePasta leitor(m_Dir, true);
+    auto f = leitor.Registros("CAUDA.dat");
+    ASSERT_EQ(leitor.m_hr, S_OK);
+    EXPECT_EQ(f->GetQtdRegistros(), 1u);
+  }
+  EXPECT_EQ(QVTesteBytes(Caminho("CAUDA.dat")).size(), bom.size() + 70);
+  const QVResultadoVerificacao v = QVVerificaArquivo(Caminho("CAUDA.dat"), EQVTipoConteudo::Registros, sizeof(REG_TESTE));
+  EXPECT_EQ(v.hr, S_OK);
+  EXPECT_EQ(v.uiQuantidade, 1u);
+  EXPECT_EQ(v.uiBytesEscritaInacabada, 70u);
+  ASSERT_EQ(QVTesteAcrescenta(*CQVTestePasta(m_Dir).Registros("CAUDA.dat"), {2}), S_OK);
+  EXPECT_EQ(CQVTestePasta(m_Dir).Codigos("CAUDA.dat"), (std::vector<std::uint32_t>{1, 2}));
+  EXPECT_EQ(QVTesteLinhasCom({"m_sNomeArquivo = CAUDA.dat", "inacabada"}), 1u);
 }
 
 TEST_F(QVFileBaseTest, NomeComparadoSemCaixaNosUltimos23Caracteres) {

@@ -111,9 +111,16 @@ TEST_F(ComandosDbTest, LeituraDeArquivosBonsEDanificados) {
   EXPECT_EQ(dump("GEATTEC2202007.dat", 500, false), 1);  // not whole records
   EXPECT_EQ(dump("GEATTEC2202007.dat", {}, false), 2);
 
-  // Files damaged behind the program's back: bytes appended, a text's count
-  // running past the end. (A copy under another name: below.)
-  QVTesteGravaBytes(Caminho("GEATTEC2202007.dat"), QVTesteBytes(Caminho("GEATTEC2202007.dat")) + "x");
+  // A dead writer's unfinished append: reported, not a failure.
+  const std::string sAtendimentos = QVTesteBytes(Caminho("GEATTEC2202007.dat"));
+  QVTesteGravaBytes(Caminho("GEATTEC2202007.dat"), sAtendimentos + "x");
+  EXPECT_EQ(Verify({Caminho("GEATTEC2202007.dat")}), 0);
+  Contem(m_Out.str(), {"aviso: 1 bytes de uma gravação inacabada"});
+  // Files damaged behind the program's back: a header promising more data
+  // than there is, a text's count running past the end. (A copy under
+  // another name: below.)
+  QVTesteGravaBytes(Caminho("GEATTEC2202007.dat"), sAtendimentos);
+  QVTesteAlteraCabecalho(Caminho("GEATTEC2202007.dat"), [](QVCabecalhoArquivo& c) { c.uiTamanhoDados += 512; });
   std::string t = QVTesteBytes(Caminho("GeAtStrV1.dat"));
   t[240] = 100;
   QVTesteGravaBytes(Caminho("GeAtStrV1.dat"), t);
