@@ -343,11 +343,11 @@ HRESULT CGeServidorAtendimento::CalculaValorServicosMesmaOrigem(const Acompanham
   return S_OK;
 }
 
-// The seam of the search: the calls of a follow-up are the ones its
-// integration record and its entries name. Once the search of calls by
-// follow-up is in place, its pointers (BuscaPonteiros with the filter's
-// regDMCIntegracaoAcompanhamento) join this set, which then also reaches
-// calls that took a service of the follow-up without being named by it.
+// The calls of a follow-up are the ones its integration record and its
+// entries name: every entry the server made names the call that performed
+// it, and only entries the follow-up still has are counted. Not a search of
+// every call: no filter step selects by follow-up, and the filter's branch
+// step would make the value depend on the user who saves.
 HRESULT CGeServidorAtendimento::BuscaAtendimentosMesmaOrigem(const AcompanhamentoIntegrado& acompanhamento,
                                                              std::set<REG_QVDMC>& atendimentos) {
   atendimentos.clear();
