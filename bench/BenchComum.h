@@ -11,9 +11,9 @@
 #include "platform/QVHResult.h"
 #include "suite/hostlink/QVSessaoSuite.h"
 
-inline _REG_DF_INICIALIZAPS QVBenchInicializacao(const char* arquivoFonte) {
+inline _REG_DF_INICIALIZAPS QVBenchInicializacao(const char* arquivoFonte, const char* empresa = "BENCH") {
   QVDadosInicializacao d;
-  d.empresa = "BENCH";
+  d.empresa = empresa;
   d.usuario = 1;
   d.aplicativo = "bench";
   d.moduleName = "GE";

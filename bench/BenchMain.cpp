@@ -44,6 +44,14 @@ const Par kPares[] = {
     {"BM_LeClienteSuite", "BM_LeClienteSqlite", "a client read by its pointer / a bare SQLite read by rowid"},
     {"BM_GravaAcompanhamentoSuite", "BM_InsertSqliteTransacao",
      "a follow-up write with its services / a bare SQLite INSERT + COMMIT"},
+    {"BM_ChamadosBusca", "BM_ChamadosBuscaMemoria", "a ten-field search of 1M calls / the tests on them in memory"},
+    {"BM_ChamadosBusca", "BM_ChamadosBuscaSqlite", "a ten-field search of 1M calls / the same query in SQLite"},
+    {"BM_ChamadosGrava", "BM_ChamadosGravaAnexo", "saving a call (3 services...) / one append + fdatasync"},
+    {"BM_ChamadosGrava", "BM_ChamadosGravaSqlite", "saving a call (3 services...) / one SQLite transaction"},
+    {"BM_ChamadosNumero/0", "BM_ChamadosNumeroLeitura", "a free number, from the index / reading every month"},
+    {"BM_ChamadosNumero/1", "BM_ChamadosNumeroLeitura", "a taken number, from the index / reading every month"},
+    {"BM_ChamadosAbertura/0", "BM_ChamadosAberturaLeitura/0", "opening + search, cold / reading the files, cold"},
+    {"BM_ChamadosAbertura/1", "BM_ChamadosAberturaLeitura/1", "opening + search, warm / reading the files, warm"},
 };
 
 // The console report, keeping each benchmark's time per iteration (per item

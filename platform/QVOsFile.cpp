@@ -747,6 +747,16 @@ HRESULT QVSyncDirectory(const std::string& dir) {
   return e == 0 ? S_OK : HRESULT_FROM_WIN32(QVWin32ErrorFromErrno(e));
 }
 
+HRESULT QVDropFileCache(const std::string& path) {
+  const std::string resolved = QVResolvePathCase(path);
+  const int fd = OpenRetrying(resolved.c_str(), O_RDONLY | O_CLOEXEC);
+  if (fd < 0) return HrForPath(errno, resolved);
+  // posix_fadvise answers its error instead of setting errno.
+  const int e = ::posix_fadvise(fd, 0, 0, POSIX_FADV_DONTNEED);
+  ::close(fd);
+  return e == 0 ? S_OK : HRESULT_FROM_WIN32(QVWin32ErrorFromErrno(e));
+}
+
 std::uint32_t QVWin32ErrorFromErrno(int e) {
   switch (e) {
     case 0: return ERROR_SUCCESS;

@@ -142,6 +142,10 @@ bool QVIsReadOnly(const std::string& path);
 [[nodiscard]] HRESULT QVCreateDirectories(const std::string& dir);
 // Makes a directory's entries (creations, renames, deletions) durable.
 [[nodiscard]] HRESULT QVSyncDirectory(const std::string& dir);
+// Asks the system to forget the cached pages of a file (its name resolved
+// as above), so that the next read comes from the disk. Only pages already
+// written back are dropped: flush first. Nothing is read or changed.
+[[nodiscard]] HRESULT QVDropFileCache(const std::string& path);
 
 // Tests: a function asked before every rename (to not empty) and every
 // deletion (to empty) with the names given; a non-zero Win32 error it returns

@@ -318,3 +318,14 @@ TEST(QVOsFile, TravaDeConteudoEIdentidade) {
   ASSERT_EQ(QVGetFileIdentity(dir + "/ausente.dat", &antes), S_OK);
   EXPECT_FALSE(antes.bExists);
 }
+
+// Forgetting a file's cached pages changes nothing in it, finds the name in
+// any case, and names a missing file or folder as the other operations do.
+TEST(QVOsFile, DescarteDoCacheDeArquivo) {
+  const std::string dir = QVTesteNovoDiretorio("cache");
+  Grava(dir + "/Mes.DAT", "conteudo");
+  EXPECT_EQ(QVDropFileCache(dir + "/mes.dat"), S_OK);
+  EXPECT_EQ(QVTesteLeArquivo(dir + "/Mes.DAT"), "conteudo");
+  EXPECT_EQ(QVDropFileCache(dir + "/falta.dat"), HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND));
+  EXPECT_EQ(QVDropFileCache(dir + "/falta/mes.dat"), HRESULT_FROM_WIN32(ERROR_PATH_NOT_FOUND));
+}
