@@ -45,24 +45,45 @@ CQVComandoSuite::~CQVComandoSuite() {
   }
 }
 
+// A statement stepped since its last reset refuses bindings (and a step
+// would run it again with the old values): binding after a step starts a
+// new run. A refused binding is kept and answered by the next step.
+void CQVComandoSuite::NovaExecucao() {
+  if (!m_bPassou) return;
+  sqlite3_reset(m_pStmt);
+  m_bPassou = false;
+  m_hrLiga = S_OK;
+}
+
+void CQVComandoSuite::ConfereLiga(int rc, int idx) {
+  if (rc == SQLITE_OK || FAILED(m_hrLiga)) return;
+  m_hrLiga = m_pBanco->Status(rc, QV_LOCAL, "sqlite3_bind(m_pStmt, " + std::to_string(idx) + ")", Sql());
+}
+
 CQVComandoSuite& CQVComandoSuite::Liga(int idx, std::int64_t valor) {
-  sqlite3_bind_int64(m_pStmt, idx, valor);
+  NovaExecucao();
+  ConfereLiga(sqlite3_bind_int64(m_pStmt, idx, valor), idx);
   return *this;
 }
 
 CQVComandoSuite& CQVComandoSuite::Liga(int idx, std::string_view texto) {
-  sqlite3_bind_text(m_pStmt, idx, texto.data(), static_cast<int>(texto.size()), SQLITE_TRANSIENT);
+  NovaExecucao();
+  ConfereLiga(sqlite3_bind_text(m_pStmt, idx, texto.data(), static_cast<int>(texto.size()), SQLITE_TRANSIENT), idx);
   return *this;
 }
 
 CQVComandoSuite& CQVComandoSuite::LigaNulo(int idx) {
-  sqlite3_bind_null(m_pStmt, idx);
+  NovaExecucao();
+  ConfereLiga(sqlite3_bind_null(m_pStmt, idx), idx);
   return *this;
 }
 
 HRESULT CQVComandoSuite::Passo(bool* pbLinha) {
   if (pbLinha != nullptr) *pbLinha = false;
   if (m_pStmt == nullptr) return E_UNEXPECTED;
+  // The run ends here either way: the next binding starts another.
+  m_bPassou = true;
+  if (FAILED(m_hrLiga)) return m_hrLiga;
   for (;;) {
     const int rc = sqlite3_step(m_pStmt);
     if (rc == SQLITE_ROW) {
@@ -284,6 +305,9 @@ HRESULT CQVBancoSuite::Prepara(const char* sSql, CQVComandoSuite* pComando) {
   pComando->m_pBanco = this;
   pComando->m_pStmt = it->second;
   pComando->m_pSql = &it->first;
+  // Whatever a previous user left: the first binding starts afresh.
+  pComando->m_bPassou = true;
+  pComando->m_hrLiga = S_OK;
   return S_OK;
 }
 

@@ -58,6 +58,9 @@ class CQVComandoSuite {
   CQVComandoSuite(const CQVComandoSuite&) = delete;
   CQVComandoSuite& operator=(const CQVComandoSuite&) = delete;
 
+  // Bindings after a step start a new run of the statement (the old
+  // bindings stay until replaced). A binding SQLite refuses (an index out
+  // of range) is logged and answered by the next Passo.
   CQVComandoSuite& Liga(int idx, std::int64_t valor);
   CQVComandoSuite& Liga(int idx, std::string_view texto);
   CQVComandoSuite& LigaNulo(int idx);
@@ -80,8 +83,13 @@ class CQVComandoSuite {
 
  private:
   friend class CQVBancoSuite;
+  void NovaExecucao();
+  void ConfereLiga(int rc, int idx);
+
   CQVBancoSuite* m_pBanco = nullptr;
   sqlite3_stmt* m_pStmt = nullptr;
+  bool m_bPassou = false;  // stepped since the last reset
+  HRESULT m_hrLiga = S_OK;  // the first binding refused in this run
   const std::string* m_pSql = nullptr;  // the cache's key: borrowing copies nothing
 };
 

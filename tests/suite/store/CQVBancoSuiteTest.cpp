@@ -139,3 +139,22 @@ TEST(CQVBancoSuiteTest, ProcessoFilhoUsaUmaConexaoSua) {
   EXPECT_EQ(Valor(*p, kEmpresas), iAntes + 3);
   EXPECT_EQ(Insere(*p, "P" + std::to_string(iAntes)), S_OK);
 }
+
+// One command used for several runs: each binding after a step starts a
+// new run with the new values; a binding SQLite refuses is answered by the
+// step, which then writes nothing.
+TEST(CQVBancoSuiteTest, ComandoReusadoLigaNovosValoresERecusaIndiceInvalido) {
+  std::shared_ptr<CQVBancoSuite> p;
+  ASSERT_EQ(CQVBancoSuite::Abre(QVTesteNovoDiretorio("reuso"), &p), S_OK);
+  auto trava = p->Trava();
+  CQVComandoSuite cmd;
+  ASSERT_EQ(p->Prepara("INSERT INTO empresas(nome) VALUES(?1)", &cmd), S_OK);
+  for (const char* nome : {"A", "B", "C"}) ASSERT_EQ(cmd.Liga(1, nome).Executa(), S_OK) << nome;
+  EXPECT_EQ(Valor(*p, "SELECT count(DISTINCT nome) FROM empresas"), 3);
+  QVTesteLimpaLog();
+  EXPECT_EQ(cmd.Liga(2, "D").Executa(), E_QVDF_BANCO_SUITE_FALHA);
+  EXPECT_EQ(LinhasCom("sqlite3_bind(m_pStmt, 2)"), 1u);
+  EXPECT_EQ(Valor(*p, kEmpresas), 3);
+  EXPECT_EQ(cmd.Liga(1, "E").Executa(), S_OK);
+  EXPECT_EQ(Valor(*p, kEmpresas), 4);
+}
