@@ -13,6 +13,7 @@
 #include <mutex>
 #include <optional>
 #include <thread>
+#include <unordered_map>
 
 namespace {
 
@@ -205,19 +206,6 @@ std::string DirectoryOf(const std::string& path) {
   if (slash == std::string::npos) return ".";
   if (slash == 0) return "/";
   return path.substr(0, slash);
-}
-
-// Case is folded for ASCII letters only: the system's file names are ASCII,
-// and any other byte must match exactly.
-bool SameIgnoringCase(const char* a, const std::string& b) {
-  const auto fold = [](unsigned char c) { return (c >= 'A' && c <= 'Z') ? c + ('a' - 'A') : c; };
-  std::size_t i = 0;
-  for (; a[i] != '\0'; ++i) {
-    if (i >= b.size() || fold(static_cast<unsigned char>(a[i])) != fold(static_cast<unsigned char>(b[i]))) {
-      return false;
-    }
-  }
-  return i == b.size();
 }
 
 // ENOENT means a missing file when its directory exists, a missing path
@@ -556,6 +544,75 @@ void QVSetOsNameHook(QVOsNameHook hook) {
 
 std::unique_ptr<IQVOsFile> QVCreateRealOsFile() { return std::make_unique<CQVRealOsFile>(); }
 
+namespace {
+
+// The name a case-insensitive lookup compares. Case is folded for ASCII
+// letters only: the system's file names are ASCII, and any other byte must
+// match exactly.
+std::string Folded(std::string name) {
+  for (char& c : name)
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c + ('a' - 'A'));
+  return name;
+}
+
+// Listings of directories, for the case resolution of names that are not
+// there as spelt: a folder of month files answers many such lookups (most
+// months lack most files), and each would read the whole directory. A
+// listing is used while the directory's time of change is the one it saw,
+// and only once it was taken well after that change (a change within the
+// same tick of the file system's clock would not move the time). At most
+// kMaxListings directories are kept; the cache is emptied beyond that.
+class CaseListings {
+ public:
+  // The entry matching name without regard to case (the first in byte
+  // order), or "" when none does or the directory cannot be read.
+  std::string Find(const std::string& directory, const std::string& name) {
+    struct stat st {};
+    if (::stat(directory.c_str(), &st) != 0) return {};
+    const std::int64_t changedNs = static_cast<std::int64_t>(st.st_mtim.tv_sec) * 1000000000 + st.st_mtim.tv_nsec;
+    std::lock_guard lock(m_mutex);
+    auto it = m_listings.find(directory);
+    if (it == m_listings.end() || it->second.changedNs != changedNs ||
+        it->second.listedNs - changedNs <= kClockMarginNs) {
+      Listing listing;
+      // Before the listing: a change during it leaves a newer time.
+      listing.listedNs = std::chrono::duration_cast<std::chrono::nanoseconds>(
+                             std::chrono::system_clock::now().time_since_epoch())
+                             .count();
+      listing.changedNs = changedNs;
+      DIR* dir = ::opendir(directory.c_str());
+      if (dir == nullptr) return {};
+      while (const dirent* entry = ::readdir(dir)) {
+        std::string& best = listing.byFolded[Folded(entry->d_name)];
+        if (best.empty() || std::strcmp(entry->d_name, best.c_str()) < 0) best = entry->d_name;
+      }
+      ::closedir(dir);
+      if (m_listings.size() >= kMaxListings) m_listings.clear();
+      it = m_listings.insert_or_assign(directory, std::move(listing)).first;
+    }
+    const auto found = it->second.byFolded.find(Folded(name));
+    return found != it->second.byFolded.end() ? found->second : std::string();
+  }
+
+ private:
+  static constexpr std::size_t kMaxListings = 64;
+  static constexpr std::int64_t kClockMarginNs = 2'000'000'000;
+  struct Listing {
+    std::int64_t changedNs = 0;
+    std::int64_t listedNs = 0;
+    std::unordered_map<std::string, std::string> byFolded;
+  };
+  std::mutex m_mutex;
+  std::unordered_map<std::string, Listing> m_listings;
+};
+
+CaseListings& Listings() {
+  static CaseListings listings;
+  return listings;
+}
+
+}  // namespace
+
 std::string QVResolvePathCase(const std::string& path) {
   const std::size_t slash = path.rfind('/');
   const std::size_t nameStart = slash == std::string::npos ? 0 : slash + 1;
@@ -563,15 +620,7 @@ std::string QVResolvePathCase(const std::string& path) {
   if (name.empty() || name == "." || name == "..") return path;
   struct stat st {};
   if (::lstat(path.c_str(), &st) == 0) return path;  // the exact name wins
-  DIR* dir = ::opendir(DirectoryOf(path).c_str());
-  if (dir == nullptr) return path;
-  std::string best;
-  while (const dirent* entry = ::readdir(dir)) {
-    if (SameIgnoringCase(entry->d_name, name) && (best.empty() || std::strcmp(entry->d_name, best.c_str()) < 0)) {
-      best = entry->d_name;
-    }
-  }
-  ::closedir(dir);
+  const std::string best = Listings().Find(DirectoryOf(path), name);
   return best.empty() ? path : path.substr(0, nameStart) + best;
 }
 

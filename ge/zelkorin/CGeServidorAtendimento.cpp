@@ -427,9 +427,11 @@ HRESULT CGeServidorAtendimento::ConsistirNumeroAtendimentoPS(std::uint32_t lNume
   QV_CHECK(ValidaServidor());
   CGeServidorAtendimentoDatabase* pGEAtendimentoDB = m_pDataBase;
   std::lock_guard trava(pGEAtendimentoDB->Trava());
-  std::uint32_t lNumero = lNumeroAtendimento;
-  QV_CHECK(ConsistirNumeroAtendimentoGravacao(lNumero, pGEAtendimentoDB->GetMa().iMA, 0, pGEAtendimentoDB));
-  *pbNumeroNaoDuplicado = lNumero == lNumeroAtendimento ? 1 : 0;
+  // What a save would keep: a number not 0 that no call has. (The save's
+  // count-up to the first free number is not needed for that answer.)
+  CQVNumerosAtendimento numeros;
+  QV_CHECK(LeNumerosAtendimento(pGEAtendimentoDB->GetMa().iMA, 0, numeros, pGEAtendimentoDB));
+  *pbNumeroNaoDuplicado = lNumeroAtendimento != 0 && numeros.count(lNumeroAtendimento) == 0 ? 1 : 0;
   return S_OK;
 }
 

@@ -193,6 +193,16 @@ TEST(QVOsFile, NomesSemDistincaoDeCaixaRenomeiaEApaga) {
   EXPECT_EQ(QVResolvePathCase(dir + "/aBc"), dir + "/ABC");
   EXPECT_EQ(QVResolvePathCase(dir + "/nada"), dir + "/nada");
   EXPECT_EQ(QVResolvePathCase(dir + "/inexistente/abc"), dir + "/inexistente/abc");
+  // Names made or removed right after a lookup missed are seen at once
+  // (the directory's listing is not trusted within the clock's tick).
+  for (int i = 0; i < 3; ++i) {
+    const std::string nome = "Mes" + std::to_string(i) + ".DAT";
+    EXPECT_FALSE(QVFileExists(dir + "/mes" + std::to_string(i) + ".dat"));
+    Grava(dir + "/" + nome, "");
+    EXPECT_EQ(QVResolvePathCase(dir + "/MES" + std::to_string(i) + ".dat"), dir + "/" + nome);
+    std::filesystem::remove(dir + "/" + nome);
+    EXPECT_FALSE(QVFileExists(dir + "/mes" + std::to_string(i) + ".dat"));
+  }
 
   // A rename to another case fixes the name on disk; onto a destination
   // found in another case, it replaces it and keeps the case asked for.

@@ -38,6 +38,15 @@ CGeServidorAtendimentoDatabase::~CGeServidorAtendimentoDatabase() { QV_LOGA(Fina
 
 HRESULT CGeServidorAtendimentoDatabase::OnInicializa() {
   std::lock_guard trava(m_mutex);
+  // The company's folder of the module, resolved once: every open, look
+  // and listing of the files would otherwise ask the session for it (a
+  // query of the suite's store, two folder-case resolutions, a mkdir).
+  if (GetDiretorio().empty()) {
+    std::string sDiretorio;
+    QV_CHECK(QVSessaoSuite().GetDiretorioDadosModulo(GetModulo(), GetEmpresa(), &sDiretorio));
+    if (sDiretorio.empty()) QV_RETURN(E_QVDF_EMPRESA_SEM_DIRETORIO_DADOS);
+    SetDiretorio(sDiretorio);
+  }
   QV_CHECK(CQVDataBase::OnInicializa());
   return S_OK;
 }
