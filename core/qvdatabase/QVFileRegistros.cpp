@@ -30,6 +30,10 @@ CQVFileRegistros::~CQVFileRegistros() {
   if (EstaInicializado()) QV_LOGA(Finaliza());
 }
 
+void CQVFileRegistros::Guarda(CQVBloco bloco) {
+  if (bloco.size() > m_pReserva.size()) m_pReserva = std::move(bloco);
+}
+
 HRESULT CQVFileRegistros::Reserva(QVUInt uiCapacidade) {
   if (uiCapacidade <= m_uiCapacidade) return S_OK;
   // Appends grow the block geometrically so that a run of single appends
@@ -50,7 +54,7 @@ HRESULT CQVFileRegistros::OnInicializa() {
   std::lock_guard lock(m_mutex);
   m_uiQtd = 0;
   m_uiCapacidade = 0;
-  m_pDados = CQVBloco();
+  Guarda(std::move(m_pDados));
   m_bIndicesProntos = false;
   m_bAlteradoEmMemoria = false;
   m_bArquivoExiste = false;
@@ -68,8 +72,17 @@ HRESULT CQVFileRegistros::LeConteudo(bool bExiste, QVUInt uiTamanho) {
     QV_RETURN_ARQ(E_QVCR_ARQUIVO_NAO_EH_MOD_ESTRUTURA, {"sizeof(T)", Num(m_tamRegistro)});
   }
   const QVUInt uiQtd = uiTamanho / m_tamRegistro;
-  const QVUInt uiCapacidade = CapacidadeDeCarga(uiQtd);
-  CQVBloco novo(static_cast<std::size_t>(uiCapacidade * m_tamRegistro));
+  QVUInt uiCapacidade = CapacidadeDeCarga(uiQtd);
+  // The block the file held before it was finalised, when it is big
+  // enough: moving from month to month reuses one block instead of asking
+  // the system for fresh pages (which it zeroes) at every load.
+  CQVBloco novo;
+  if (m_pReserva.size() >= static_cast<std::size_t>(uiCapacidade * m_tamRegistro)) {
+    novo = std::move(m_pReserva);
+    uiCapacidade = static_cast<QVUInt>(novo.size() / m_tamRegistro);
+  } else {
+    novo = CQVBloco(static_cast<std::size_t>(uiCapacidade * m_tamRegistro));
+  }
   if (!novo) QV_RETURN_ARQ(E_OUTOFMEMORY, {"GetLength", Num(uiTamanho)});
   for (QVUInt uiLido = 0; uiLido < uiTamanho;) {
     const auto n = static_cast<std::size_t>(std::min<QVUInt>(uiTamanho - uiLido, kMaxLeitura));
@@ -96,7 +109,7 @@ HRESULT CQVFileRegistros::OnFinaliza() {
   const HRESULT hr = CQVFileBase::OnFinaliza();
   m_uiQtd = 0;
   m_uiCapacidade = 0;
-  m_pDados = CQVBloco();
+  Guarda(std::move(m_pDados));
   for (Indice& i : m_Indices) i.clear();
   m_bIndicesProntos = false;
   return hr;

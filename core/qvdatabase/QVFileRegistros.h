@@ -135,6 +135,11 @@ class CQVFileRegistros : public CQVFileBase {
   bool m_bIndicesProntos = false;
   // The records: m_uiQtd of them in a block of m_uiCapacidade records.
   CQVBloco m_pDados;
+  // The largest block a finalised content left, for the next load (one
+  // block per file object, never more: a month file's object keeps at most
+  // its largest month's size).
+  CQVBloco m_pReserva;
+  void Guarda(CQVBloco bloco);
   QVUInt m_uiQtd = 0;
   QVUInt m_uiCapacidade = 0;
   bool m_bArquivoExiste = false;
